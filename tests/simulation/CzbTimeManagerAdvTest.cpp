@@ -254,12 +254,13 @@ namespace {
 struct SelfDestroy {
     CzbTimeManagerAdv* clock;
     int onMessage;
+    std::atomic<bool> hostDone{false}; // the host no longer touches the clock
     std::atomic<bool> done{false};
 };
 
 void destroyOnMessage(int message, void* user) {
     SelfDestroy* s = static_cast<SelfDestroy*>(user);
-    if (message == s->onMessage && !s->done) {
+    if (message == s->onMessage && s->hostDone && !s->done) {
         delete s->clock;
         s->done = true;
     }
@@ -272,8 +273,12 @@ TEST(CzbTimeManagerAdv, DestroyedFromItsOwnCallbackOnThePlayer) {
         s.onMessage = code;
         s.clock = new CzbTimeManagerAdv;
         s.clock->setMsgCallbackFunc(destroyOnMessage, &s);
-        s.clock->m_endTime = code == 4 ? 0.05 : -1.0;
         s.clock->SetPlay();
+        s.hostDone = true;
+        if (code == 4) {
+            // The last touch: the end, and so the message that destroys the clock, follows it.
+            s.clock->m_endTime = 0.05;
+        }
         ASSERT_TRUE(waitFor([&] { return s.done.load(); }));
         sleepMs(100); // the player leaves without touching the freed object
     }
