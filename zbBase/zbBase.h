@@ -8,3 +8,9 @@
 #include "zbBase/numeric/CzbDE.h"
 #include "zbBase/numeric/CzbRandom.h"
 #include "zbBase/numeric/zbVector.h"
+
+#include "zbBase/simulation/CzbSyncObject.h"
+#include "zbBase/simulation/CzbTimeManager.h"
+#include "zbBase/simulation/CzbTimeManagerAdv.h"
+#include "zbBase/simulation/CzbTrajcetoryModel.h"
+#include "zbBase/simulation/CzbWaypoint.h"
