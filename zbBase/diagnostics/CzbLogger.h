@@ -85,6 +85,8 @@ private:
     void startSaver();
     void stopSaver();
     void copyRingFrom(const CzbLogger& other);
+    // The log file name of a record dated t; false when it does not fit.
+    bool buildName(char* name, size_t bytes, const SYSTEMTIME& t) const;
 };
 
 static_assert(sizeof(std::atomic<int>) == sizeof(int), "shared counters keep an int's width");

@@ -6,7 +6,6 @@
 #include "zbBase/platform/detail/zbpThread.h"
 
 #include <string.h>
-#include <string>
 #include <vector>
 
 namespace {
@@ -32,6 +31,19 @@ void appendOpenFailMark(char* text, int bytes) {
 
 } // namespace
 
+bool CzbLogger::buildName(char* name, size_t bytes, const SYSTEMTIME& t) const {
+    int length;
+    if (m_fileMode == 1) {
+        length = snprintf(name, bytes, "%s\\%02d%02d%02d\\%s_%02d%02d%02d.log", m_folder, t.wYear,
+                          t.wMonth, t.wDay, m_filePrefix, t.wYear, t.wMonth, t.wDay);
+    } else {
+        length = snprintf(name, bytes, "%s_%02d%02d%02d.log", m_filePrefix, t.wYear % 100, t.wMonth,
+                          t.wDay);
+    }
+    // A name cut to fit would be another file: such a record counts as not openable.
+    return length > 0 && static_cast<size_t>(length) < bytes;
+}
+
 void CzbLogger::funcLogFileSave() {
     int save = m_saveIndex.load();
     if (save == m_writeIndex.load()) {
@@ -41,7 +53,7 @@ void CzbLogger::funcLogFileSave() {
     zbp::GetLocalTime(&pass);
 
     std::vector<char> text(static_cast<size_t>(m_stringLen));
-    std::string openName;
+    SYSTEMTIME fileDate = pass;
     FILE* file = nullptr;
     while (save != m_writeIndex.load()) {
         int slot = (save + 1) % m_bufferSize;
@@ -53,31 +65,26 @@ void CzbLogger::funcLogFileSave() {
                 break; // a reset came in between
             }
             record = m_logData[slot];
-            memcpy(text.data(), record.text, text.size());
+            size_t length = strnlen(record.text, text.size() - 1);
+            memcpy(text.data(), record.text, length);
+            text[length] = '\0';
         }
         record.text = text.data();
 
         const SYSTEMTIME& t = m_fileMode == 1 ? pass : record.time;
-        char name[256];
-        int nameLength;
-        if (m_fileMode == 1) {
-            nameLength =
-                snprintf(name, sizeof name, "%s\\%02d%02d%02d\\%s_%02d%02d%02d.log", m_folder,
-                         t.wYear, t.wMonth, t.wDay, m_filePrefix, t.wYear, t.wMonth, t.wDay);
-        } else {
-            nameLength = snprintf(name, sizeof name, "%s_%02d%02d%02d.log", m_filePrefix,
-                                  t.wYear % 100, t.wMonth, t.wDay);
-        }
-        // A name cut to fit would be another file: such a record counts as not openable.
-        bool nameFits = nameLength > 0 && nameLength < static_cast<int>(sizeof name);
-        // Consecutive records bound for the same file share one opening within a pass.
-        if (file != nullptr && (!nameFits || openName != name)) {
-            fclose(file);
-            file = nullptr;
-        }
-        if (file == nullptr && nameFits) {
-            file = zbp::fopen(name, "a");
-            openName = name;
+        // Consecutive records of one day share one opening of their file within a pass.
+        bool sameFile = file != nullptr && t.wYear == fileDate.wYear &&
+                        t.wMonth == fileDate.wMonth && t.wDay == fileDate.wDay;
+        if (!sameFile) {
+            if (file != nullptr) {
+                fclose(file);
+                file = nullptr;
+            }
+            char name[256];
+            if (buildName(name, sizeof name, t)) {
+                file = zbp::fopen(name, "a");
+                fileDate = t;
+            }
         }
         if (file != nullptr) {
             setLogDataToFile(file, &record);
