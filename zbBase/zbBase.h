@@ -4,6 +4,11 @@
 #include "zbBase/numeric/zbExport.h"
 #include "zbBase/platform/zbPlatformTypes.h"
 
+#include "zbBase/diagnostics/CzbLogger.h"
+#include "zbBase/diagnostics/CzbString.h"
+#include "zbBase/diagnostics/CzbText.h"
+#include "zbBase/diagnostics/CzbTrace.h"
+
 #include "zbBase/numeric/CzbBit.h"
 #include "zbBase/numeric/CzbDE.h"
 #include "zbBase/numeric/CzbRandom.h"
