@@ -8,3 +8,9 @@
 #include "zbBase/numeric/CzbDE.h"
 #include "zbBase/numeric/CzbRandom.h"
 #include "zbBase/numeric/zbVector.h"
+
+#include "zbBase/datafiles/CzbFileDB.h"
+#include "zbBase/datafiles/CzbFileMgr.h"
+#include "zbBase/datafiles/CzbFileMgrAdv.h"
+#include "zbBase/datafiles/CzbFileMgrB.h"
+#include "zbBase/datafiles/CzbStringT.h"
