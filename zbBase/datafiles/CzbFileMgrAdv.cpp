@@ -14,7 +14,6 @@ namespace zbBase {
 namespace {
 
 const size_t kHeaderSize = 152;
-const size_t kTableOffset = kHeaderSize;
 
 void encodeHeader(const _zbFileMgrHeader& header, unsigned char* out) {
     std::memset(out, 0, kHeaderSize);
