@@ -1,10 +1,33 @@
 #include "zbBase/platform/detail/zbpFileIO.h"
 
+#include <errno.h>
+
+#if defined(ZBP_OWN_FREAD_S)
+namespace zbp {
+
+size_t fread_s(void* buffer, size_t bufferSize, size_t elementSize, size_t count, FILE* stream) {
+    if (elementSize == 0 || count == 0 || stream == nullptr) {
+        return 0;
+    }
+    if (buffer == nullptr) {
+        errno = EINVAL;
+        return 0;
+    }
+    if (count > bufferSize / elementSize) {
+        // The runtime refuses a read that cannot fit; it reads nothing.
+        errno = ERANGE;
+        return 0;
+    }
+    return ::fread(buffer, elementSize, count, stream);
+}
+
+} // namespace zbp
+#endif
+
 #if !defined(_WIN32)
 
 #include "zbBase/platform/detail/zbpPath.h"
 
-#include <errno.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -41,22 +64,6 @@ errno_t fopen_s(FILE** stream, const char* path, const char* mode) {
         return errno != 0 ? errno : EINVAL;
     }
     return 0;
-}
-
-size_t fread_s(void* buffer, size_t bufferSize, size_t elementSize, size_t count, FILE* stream) {
-    if (elementSize == 0 || count == 0 || stream == nullptr) {
-        return 0;
-    }
-    if (buffer == nullptr) {
-        errno = EINVAL;
-        return 0;
-    }
-    if (count > bufferSize / elementSize) {
-        // The runtime refuses a read that cannot fit; it reads nothing.
-        errno = ERANGE;
-        return 0;
-    }
-    return ::fread(buffer, elementSize, count, stream);
 }
 
 int _fileno(FILE* stream) {
