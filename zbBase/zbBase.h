@@ -19,3 +19,9 @@
 #include "zbBase/simulation/CzbTimeManagerAdv.h"
 #include "zbBase/simulation/CzbTrajcetoryModel.h"
 #include "zbBase/simulation/CzbWaypoint.h"
+
+#include "zbBase/datafiles/CzbFileDB.h"
+#include "zbBase/datafiles/CzbFileMgr.h"
+#include "zbBase/datafiles/CzbFileMgrAdv.h"
+#include "zbBase/datafiles/CzbFileMgrB.h"
+#include "zbBase/datafiles/CzbStringT.h"
