@@ -2,7 +2,7 @@
 #include "zbBase/diagnostics/CzbLogger.h"
 
 #include "zbBase/platform/detail/zbpClock.h"
-#include "zbBase/platform/detail/zbpStdio.h"
+#include "zbBase/platform/detail/zbpFileIO.h"
 #include "zbBase/platform/detail/zbpThread.h"
 
 #include <string.h>

@@ -1,7 +1,7 @@
 #include "zbBase/diagnostics/CzbTrace.h"
 
 #include "zbBase/diagnostics/CzbText.h"
-#include "zbBase/platform/detail/zbpStdio.h"
+#include "zbBase/platform/detail/zbpFileIO.h"
 #include "zbBase/platform/detail/zbpThread.h"
 
 #include <new>
