@@ -1,0 +1,156 @@
+#include "zbBase/geodesy/CzbWGS84.h"
+
+#include "zbBase/numeric/CzbDE.h"
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+const double kPi = 3.141592653589793;
+
+// Bessel 1841, for the Gauss-Krueger series.
+const double kA = 6377397.155;               // semi-major axis
+const double kE2 = 0.006674372227347433;     // first eccentricity squared
+const double kEp2 = 0.006719218794659982;    // second eccentricity squared
+const double kA1mE2 = 6334832.032545904;     // a(1 - e^2)
+const double kArcA = 1.005037306048555;      // meridian arc coefficients
+const double kArcB2 = 0.00252392462015;      //   of sin 2phi
+const double kArcB4 = 2.64094670775e-6;      //   of sin 4phi
+const double kArcB6 = 3.4388869999999998e-9; //   of sin 6phi
+const double kArcB8 = 4.858125e-12;          //   of sin 8phi
+const double kArcB10 = 7.5e-15;              //   of sin 10phi
+const double kM0 = 6366742.520260027;        // a(1 - e^2) A, metres per radian
+const double kFootpointTolerance = 1e-8;     // metres
+const int kFootpointMaxPasses = 100;
+
+// WGS84 semi-major axis with the e^2 of the local plane approximation.
+const double kWgsA = 6378137.0;
+const double kWgsE2 = 0.006694380015894481;
+const double kWgsA1mE2 = 6335439.327128563;
+
+double toRadians(double degrees) {
+    return degrees * kPi / 180.0;
+}
+double toDegrees(double radians) {
+    return radians * 180.0 / kPi;
+}
+
+// sin 2phi0, sin 4phi0, ... sin 10phi0 of the latitude of origin.
+struct OriginSines {
+    double s2, s4, s6, s8, s10;
+    explicit OriginSines(double phi0)
+        : s2(std::sin(2.0 * phi0)), s4(std::sin(4.0 * phi0)), s6(std::sin(6.0 * phi0)),
+          s8(std::sin(8.0 * phi0)), s10(std::sin(10.0 * phi0)) {}
+};
+
+// Meridian arc from the latitude of origin to phi, radians in, metres out.
+double meridianArc(double phi, double phi0, const OriginSines& o) {
+    return kA1mE2 *
+           (kArcA * (phi - phi0) - kArcB2 * (std::sin(2.0 * phi) - o.s2) +
+            kArcB4 * (std::sin(4.0 * phi) - o.s4) - kArcB6 * (std::sin(6.0 * phi) - o.s6) +
+            kArcB8 * (std::sin(8.0 * phi) - o.s8) - kArcB10 * (std::sin(10.0 * phi) - o.s10));
+}
+
+} // namespace
+
+void CzbWGS84::Bessel2TM(double height, double longitude, double latitude, double originLongitude,
+                         double originLatitude, double* x, double* y) {
+    const double phi = toRadians(latitude);
+    const double sinPhi = std::sin(phi);
+    const double W = std::sqrt(1.0 - kWgsE2 * sinPhi * sinPhi);
+    const double N = kWgsA / W;
+    const double M = kWgsA1mE2 / (W * W * W);
+    *x = std::cos(phi) * toRadians(longitude - originLongitude) * (N + height);
+    *y = (M + height) * toRadians(latitude - originLatitude);
+}
+
+void CzbWGS84::_Bessel2TM(double longitude, double latitude, double centralMeridian,
+                          double originLatitude, double* x, double* y) {
+    const double phi = toRadians(latitude);
+    const double phi0 = toRadians(originLatitude);
+    const double l = toRadians(longitude) - toRadians(centralMeridian);
+
+    const double s = std::sin(phi);
+    const double c = std::cos(phi);
+    const double t = std::tan(phi);
+    const double n2 = kEp2 * c * c;
+    const double N = kA / std::sqrt(1.0 - kE2 * s * s);
+
+    const double t2 = t * t, t4 = t2 * t2, t6 = t4 * t2;
+    const double c2 = c * c, c3 = c2 * c, c5 = c3 * c2, c7 = c5 * c2;
+    const double l2 = l * l, l3 = l2 * l, l4 = l3 * l, l5 = l4 * l, l6 = l5 * l, l7 = l6 * l,
+                 l8 = l7 * l;
+
+    *x = l * N * c + (l3 / 6.0) * N * c3 * (1.0 - t2 + n2) +
+         (l5 / 120.0) * N * c5 * (5.0 - 18.0 * t2 + t4 + 14.0 * n2 - 58.0 * t2 * n2) +
+         (l7 / 5040.0) * N * c7 * (61.0 - 479.0 * t2 + 179.0 * t4 - t6);
+    *y = meridianArc(phi, phi0, OriginSines(phi0)) + (l2 / 2.0) * N * s * c +
+         (l4 / 24.0) * N * s * c3 * (5.0 - t2 + 9.0 * n2 + 4.0 * n2 * n2) +
+         (l6 / 720.0) * N * s * c5 * (61.0 - 58.0 * t2 + t4 + 270.0 * n2 - 330.0 * t2 * n2) +
+         (l8 / 40320.0) * N * s * c7 * (1385.0 - 3111.0 * t2 + 543.0 * t4 - t6);
+}
+
+void CzbWGS84::_TM2Bessel(double x, double y, double centralMeridian, double originLatitude,
+                          double* longitude, double* latitude) {
+    if (!std::isfinite(x) || !std::isfinite(y) || !std::isfinite(centralMeridian) ||
+        !std::isfinite(originLatitude)) {
+        *longitude = std::numeric_limits<double>::quiet_NaN();
+        *latitude = std::numeric_limits<double>::quiet_NaN();
+        return;
+    }
+    const double phi0 = toRadians(originLatitude);
+    const OriginSines origin(phi0);
+
+    // Footpoint latitude: the latitude on the central meridian whose arc is y.
+    double phi1 = y / kM0 + phi0;
+    for (int pass = 0; pass < kFootpointMaxPasses; ++pass) {
+        const double r = y - meridianArc(phi1, phi0, origin);
+        if (std::fabs(r) < kFootpointTolerance) {
+            break;
+        }
+        phi1 = phi1 + r / kM0;
+    }
+
+    const double s = std::sin(phi1);
+    const double c = std::cos(phi1);
+    const double t = std::tan(phi1);
+    const double n2 = kEp2 * c * c;
+    const double N = kA / std::sqrt(1.0 - kE2 * s * s);
+
+    const double t2 = t * t, t4 = t2 * t2, t6 = t4 * t2;
+    const double n4 = n2 * n2;
+    const double N2 = N * N, N3 = N2 * N, N4 = N3 * N, N5 = N4 * N, N6 = N5 * N, N7 = N6 * N,
+                 N8 = N7 * N;
+    const double x2 = x * x, x3 = x2 * x, x4 = x3 * x, x5 = x4 * x, x6 = x5 * x, x7 = x6 * x,
+                 x8 = x7 * x;
+
+    const double phi =
+        phi1 - (t / (2.0 * N2)) * (1.0 + n2) * x2 +
+        (t / (24.0 * N4)) * (5.0 + 3.0 * t2 + 6.0 * n2 - 6.0 * t2 * n2 - 3.0 * n4 - 9.0 * t2 * n4) *
+            x4 -
+        (t / (720.0 * N6)) *
+            (61.0 + 90.0 * t2 + 45.0 * t4 + 107.0 * n2 - 162.0 * t2 * n2 - 45.0 * t4 * n2) * x6 +
+        (t / (40320.0 * N8)) * (1385.0 + 3633.0 * t2 + 4095.0 * t4 + 1575.0 * t6) * x8;
+    const double dl =
+        x / (N * c) - (1.0 / (6.0 * N3 * c)) * (1.0 + 2.0 * t2 + n2) * x3 +
+        (1.0 / (120.0 * N5 * c)) * (5.0 + 28.0 * t2 + 24.0 * t4 + 6.0 * n2 + 8.0 * t2 * n2) * x5 -
+        (1.0 / (5040.0 * N7 * c)) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t6) * x7;
+
+    *latitude = toDegrees(phi);
+    *longitude = toDegrees(dl) + centralMeridian;
+}
+
+double CzbWGS84::getBearing(double targetLongitude, double targetLatitude,
+                            double referenceLongitude, double referenceLatitude) {
+    double x = 0.0, y = 0.0;
+    _Bessel2TM(targetLongitude, targetLatitude, referenceLongitude, referenceLatitude, &x, &y);
+    return zbBase::CzbDE::getHeading(x, y);
+}
+
+void CzbWGS84::getRangePosition(double bearing, double range, double referenceLongitude,
+                                double referenceLatitude, double* longitude, double* latitude) {
+    double x = 0.0, y = 0.0;
+    zbBase::CzbDE::getRoate2d(bearing, 0.0, range, &x, &y);
+    _TM2Bessel(x, y, referenceLongitude, referenceLatitude, longitude, latitude);
+}
