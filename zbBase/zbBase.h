@@ -6,5 +6,11 @@
 
 #include "zbBase/numeric/CzbBit.h"
 #include "zbBase/numeric/CzbDE.h"
+#include "zbBase/numeric/CzbInterpolation.h"
+#include "zbBase/numeric/CzbMath.h"
+#include "zbBase/numeric/CzbMatrix4x4.h"
 #include "zbBase/numeric/CzbRandom.h"
 #include "zbBase/numeric/zbVector.h"
+
+#include "zbBase/geodesy/CzbCoordinate.h"
+#include "zbBase/geodesy/CzbWGS84.h"
