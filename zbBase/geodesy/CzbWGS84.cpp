@@ -36,20 +36,46 @@ double toDegrees(double radians) {
     return radians * 180.0 / kPi;
 }
 
-// sin 2phi0, sin 4phi0, ... sin 10phi0 of the latitude of origin.
-struct OriginSines {
-    double s2, s4, s6, s8, s10;
-    explicit OriginSines(double phi0)
-        : s2(std::sin(2.0 * phi0)), s4(std::sin(4.0 * phi0)), s6(std::sin(6.0 * phi0)),
-          s8(std::sin(8.0 * phi0)), s10(std::sin(10.0 * phi0)) {}
+// sin 2phi, sin 4phi, ... sin 10phi. The higher multiples come from the angle-sum rule,
+// whose rounding (some 1e-16) times the arc's coefficients stays far below a nanometre.
+struct MultipleSines {
+    double s[5];
+    // From the angle itself.
+    explicit MultipleSines(double phi) { fill(std::sin(2.0 * phi), std::cos(2.0 * phi)); }
+    // From sin phi and cos phi already at hand: sin 2phi = 2 sin cos, cos 2phi = cos^2 - sin^2.
+    MultipleSines(double sinPhi, double cosPhi) {
+        fill(2.0 * sinPhi * cosPhi, (cosPhi - sinPhi) * (cosPhi + sinPhi));
+    }
+    void fill(double s2, double c2) {
+        double sk = s2, ck = c2;
+        s[0] = s2;
+        for (int k = 1; k < 5; ++k) {
+            const double next = sk * c2 + ck * s2;
+            ck = ck * c2 - sk * s2;
+            sk = next;
+            s[k] = sk;
+        }
+    }
 };
 
-// Meridian arc from the latitude of origin to phi, radians in, metres out.
-double meridianArc(double phi, double phi0, const OriginSines& o) {
+// The multiple sines of the latitude of origin, kept per thread for the last origin used:
+// hosts convert many points around one origin.
+const MultipleSines& originSines(double phi0) {
+    thread_local double cachedPhi0 = 0.0;
+    thread_local MultipleSines cached(0.0);
+    if (!(phi0 == cachedPhi0)) {
+        cached = MultipleSines(phi0);
+        cachedPhi0 = phi0;
+    }
+    return cached;
+}
+
+// Meridian arc from the latitude of origin to phi, radians in, metres out, given the
+// multiple sines of both.
+double meridianArc(double phi, double phi0, const MultipleSines& p, const MultipleSines& o) {
     return kA1mE2 *
-           (kArcA * (phi - phi0) - kArcB2 * (std::sin(2.0 * phi) - o.s2) +
-            kArcB4 * (std::sin(4.0 * phi) - o.s4) - kArcB6 * (std::sin(6.0 * phi) - o.s6) +
-            kArcB8 * (std::sin(8.0 * phi) - o.s8) - kArcB10 * (std::sin(10.0 * phi) - o.s10));
+           (kArcA * (phi - phi0) - kArcB2 * (p.s[0] - o.s[0]) + kArcB4 * (p.s[1] - o.s[1]) -
+            kArcB6 * (p.s[2] - o.s[2]) + kArcB8 * (p.s[3] - o.s[3]) - kArcB10 * (p.s[4] - o.s[4]));
 }
 
 } // namespace
@@ -73,7 +99,7 @@ void CzbWGS84::_Bessel2TM(double longitude, double latitude, double centralMerid
 
     const double s = std::sin(phi);
     const double c = std::cos(phi);
-    const double t = std::tan(phi);
+    const double t = s / c; // tan phi
     const double n2 = kEp2 * c * c;
     const double N = kA / std::sqrt(1.0 - kE2 * s * s);
 
@@ -85,7 +111,7 @@ void CzbWGS84::_Bessel2TM(double longitude, double latitude, double centralMerid
     *x = l * N * c + (l3 / 6.0) * N * c3 * (1.0 - t2 + n2) +
          (l5 / 120.0) * N * c5 * (5.0 - 18.0 * t2 + t4 + 14.0 * n2 - 58.0 * t2 * n2) +
          (l7 / 5040.0) * N * c7 * (61.0 - 479.0 * t2 + 179.0 * t4 - t6);
-    *y = meridianArc(phi, phi0, OriginSines(phi0)) + (l2 / 2.0) * N * s * c +
+    *y = meridianArc(phi, phi0, MultipleSines(s, c), originSines(phi0)) + (l2 / 2.0) * N * s * c +
          (l4 / 24.0) * N * s * c3 * (5.0 - t2 + 9.0 * n2 + 4.0 * n2 * n2) +
          (l6 / 720.0) * N * s * c5 * (61.0 - 58.0 * t2 + t4 + 270.0 * n2 - 330.0 * t2 * n2) +
          (l8 / 40320.0) * N * s * c7 * (1385.0 - 3111.0 * t2 + 543.0 * t4 - t6);
@@ -100,12 +126,12 @@ void CzbWGS84::_TM2Bessel(double x, double y, double centralMeridian, double ori
         return;
     }
     const double phi0 = toRadians(originLatitude);
-    const OriginSines origin(phi0);
+    const MultipleSines& origin = originSines(phi0);
 
     // Footpoint latitude: the latitude on the central meridian whose arc is y.
     double phi1 = y / kM0 + phi0;
     for (int pass = 0; pass < kFootpointMaxPasses; ++pass) {
-        const double r = y - meridianArc(phi1, phi0, origin);
+        const double r = y - meridianArc(phi1, phi0, MultipleSines(phi1), origin);
         if (std::fabs(r) < kFootpointTolerance) {
             break;
         }
@@ -114,7 +140,7 @@ void CzbWGS84::_TM2Bessel(double x, double y, double centralMeridian, double ori
 
     const double s = std::sin(phi1);
     const double c = std::cos(phi1);
-    const double t = std::tan(phi1);
+    const double t = s / c; // tan phi1
     const double n2 = kEp2 * c * c;
     const double N = kA / std::sqrt(1.0 - kE2 * s * s);
 
