@@ -186,6 +186,12 @@ TEST(CzbInterpolation, PolynomialFullDegree) {
         c.CaculationPolinomial(b[0], b[1], b[2]);
         EXPECT_EQ(c.GetDataNum(), 0);
     }
+    // A step below the spacing of doubles near the ends cannot move the abscissa: the
+    // samples stop a couple of counts past the span instead of running for billions.
+    c.CaculationPolinomial(1e300, 1e300, 1.0);
+    EXPECT_EQ(c.GetDataNum(), 3);
+    EXPECT_EQ(c.GetData(2).x, 1e300);
+
     CzbInterpolation empty;
     empty.CaculationPolinomial(0, 1, 0);
     EXPECT_EQ(empty.GetDataNum(), 0);

@@ -126,7 +126,7 @@ void CzbInterpolation::CaculationPolinomial(double first, double last, double st
     m_results.clear();
     // A step that never carries the abscissa past the end, or an end that it can never pass,
     // would loop without bound.
-    if (!(step > 0.0) || !std::isfinite(first) || !std::isfinite(last)) {
+    if (!(step > 0.0) || !std::isfinite(first) || !std::isfinite(last) || first > last) {
         return;
     }
     std::vector<double> x(n), c(n);
@@ -139,6 +139,12 @@ void CzbInterpolation::CaculationPolinomial(double first, double last, double st
             c[i] = (c[i + 1] - c[i]) / (x[i + k] - x[i]);
         }
     }
+    // The abscissa normally passes the end after floor(span) + 1 steps. Two more allow for
+    // rounding; the bound only bites when the step is below the spacing of doubles near the
+    // ends, where the abscissa would stand still for billions of passes.
+    const double span = (last - first) / step;
+    const int lastIndex =
+        span < static_cast<double>(INT_MAX - 2) ? static_cast<int>(span) + 2 : INT_MAX;
     for (int i = 0;; ++i) {
         const double a = i * step + first;
         if (a > last) {
@@ -149,7 +155,7 @@ void CzbInterpolation::CaculationPolinomial(double first, double last, double st
             value = (a - x[j]) * value + c[j];
         }
         m_results.push_back({a, value});
-        if (i == INT_MAX) {
+        if (i == lastIndex) {
             break;
         }
     }
