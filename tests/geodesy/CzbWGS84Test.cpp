@@ -51,10 +51,15 @@ TEST(CzbWGS84, GaussKruegerWorkedValues) {
     EXPECT_EQ(x, 0.0);
     EXPECT_GT(y, 5500000.0);
 
-    // The origin itself, both ways.
-    CzbWGS84::_Bessel2TM(12.0, 46.0, 12.0, 46.0, &x, &y);
-    EXPECT_EQ(x, 0.0);
-    EXPECT_EQ(y, 0.0);
+    // The origin itself, both ways, for origins used in turn.
+    const double origins[][2] = {
+        {12.0, 46.0}, {-75.3, -33.1}, {0.0, 0.0}, {127.9, 61.7}, {12.0, 46.0}};
+    for (const auto& o : origins) {
+        CzbWGS84::_Bessel2TM(o[0], o[1], o[0], o[1], &x, &y);
+        EXPECT_EQ(x, 0.0);
+        EXPECT_EQ(y, 0.0);
+        EXPECT_EQ(CzbWGS84::getBearing(o[0], o[1], o[0], o[1]), 0.0);
+    }
     CzbWGS84::_TM2Bessel(0.0, 0.0, 12.0, 46.0, &lon, &lat);
     EXPECT_NEAR(lon, 12.0, 1e-12);
     EXPECT_NEAR(lat, 46.0, 1e-12);

@@ -36,17 +36,12 @@ double toDegrees(double radians) {
     return radians * 180.0 / kPi;
 }
 
-// sin 2phi, sin 4phi, ... sin 10phi. The higher multiples come from the angle-sum rule,
-// whose rounding (some 1e-16) times the arc's coefficients stays far below a nanometre.
+// sin 2phi, sin 4phi, ... sin 10phi from sin 2phi and cos 2phi. The higher multiples come
+// from the angle-sum rule, whose rounding (some 1e-16) times the arc's coefficients stays far
+// below a nanometre.
 struct MultipleSines {
     double s[5];
-    // From the angle itself.
-    explicit MultipleSines(double phi) { fill(std::sin(2.0 * phi), std::cos(2.0 * phi)); }
-    // From sin phi and cos phi already at hand: sin 2phi = 2 sin cos, cos 2phi = cos^2 - sin^2.
-    MultipleSines(double sinPhi, double cosPhi) {
-        fill(2.0 * sinPhi * cosPhi, (cosPhi - sinPhi) * (cosPhi + sinPhi));
-    }
-    void fill(double s2, double c2) {
+    MultipleSines(double s2, double c2) {
         double sk = s2, ck = c2;
         s[0] = s2;
         for (int k = 1; k < 5; ++k) {
@@ -56,16 +51,42 @@ struct MultipleSines {
             s[k] = sk;
         }
     }
+    static MultipleSines ofAngle(double phi) {
+        return MultipleSines(std::sin(2.0 * phi), std::cos(2.0 * phi));
+    }
+    // sin 2phi = 2 sin cos, cos 2phi = cos^2 - sin^2, when sin phi and cos phi are at hand.
+    static MultipleSines ofSinCos(double sinPhi, double cosPhi) {
+        return MultipleSines(2.0 * sinPhi * cosPhi, (cosPhi - sinPhi) * (cosPhi + sinPhi));
+    }
 };
 
-// The multiple sines of the latitude of origin, kept per thread for the last origin used:
-// hosts convert many points around one origin.
-const MultipleSines& originSines(double phi0) {
-    thread_local double cachedPhi0 = 0.0;
-    thread_local MultipleSines cached(0.0);
-    if (!(phi0 == cachedPhi0)) {
-        cached = MultipleSines(phi0);
-        cachedPhi0 = phi0;
+// Turns (sin a, cos a) into (sin(a + d), cos(a + d)) for a small d, with the series of
+// sin d and cos d to the eighth order (exact to rounding for |d| < 0.01).
+void turnBySmallAngle(double d, double* sinA, double* cosA) {
+    const double d2 = d * d;
+    const double sd = d * (1.0 - d2 * (1.0 / 6 - d2 * (1.0 / 120 - d2 * (1.0 / 5040))));
+    const double cd = 1.0 - d2 * (0.5 - d2 * (1.0 / 24 - d2 * (1.0 / 720 - d2 * (1.0 / 40320))));
+    const double s = *sinA * cd + *cosA * sd;
+    *cosA = *cosA * cd - *sinA * sd;
+    *sinA = s;
+}
+
+// The multiple sines of the latitude of origin, worked out the same two ways as those of the
+// point (so that a point on the origin has an arc of exactly 0), and kept per thread for the
+// last origin used: hosts convert many points around one origin.
+struct OriginSines {
+    double phi0;
+    MultipleSines ofAngle;  // for the inverse conversion
+    MultipleSines ofSinCos; // for the forward conversion
+    explicit OriginSines(double p)
+        : phi0(p), ofAngle(MultipleSines::ofAngle(p)),
+          ofSinCos(MultipleSines::ofSinCos(std::sin(p), std::cos(p))) {}
+};
+
+const OriginSines& originSines(double phi0) {
+    thread_local OriginSines cached(0.0);
+    if (!(phi0 == cached.phi0 && std::signbit(phi0) == std::signbit(cached.phi0))) {
+        cached = OriginSines(phi0);
     }
     return cached;
 }
@@ -111,8 +132,8 @@ void CzbWGS84::_Bessel2TM(double longitude, double latitude, double centralMerid
     *x = l * N * c + (l3 / 6.0) * N * c3 * (1.0 - t2 + n2) +
          (l5 / 120.0) * N * c5 * (5.0 - 18.0 * t2 + t4 + 14.0 * n2 - 58.0 * t2 * n2) +
          (l7 / 5040.0) * N * c7 * (61.0 - 479.0 * t2 + 179.0 * t4 - t6);
-    *y = meridianArc(phi, phi0, MultipleSines(s, c), originSines(phi0)) + (l2 / 2.0) * N * s * c +
-         (l4 / 24.0) * N * s * c3 * (5.0 - t2 + 9.0 * n2 + 4.0 * n2 * n2) +
+    *y = meridianArc(phi, phi0, MultipleSines::ofSinCos(s, c), originSines(phi0).ofSinCos) +
+         (l2 / 2.0) * N * s * c + (l4 / 24.0) * N * s * c3 * (5.0 - t2 + 9.0 * n2 + 4.0 * n2 * n2) +
          (l6 / 720.0) * N * s * c5 * (61.0 - 58.0 * t2 + t4 + 270.0 * n2 - 330.0 * t2 * n2) +
          (l8 / 40320.0) * N * s * c7 * (1385.0 - 3111.0 * t2 + 543.0 * t4 - t6);
 }
@@ -126,16 +147,28 @@ void CzbWGS84::_TM2Bessel(double x, double y, double centralMeridian, double ori
         return;
     }
     const double phi0 = toRadians(originLatitude);
-    const MultipleSines& origin = originSines(phi0);
+    const MultipleSines& origin = originSines(phi0).ofAngle;
 
-    // Footpoint latitude: the latitude on the central meridian whose arc is y.
+    // Footpoint latitude: the latitude on the central meridian whose arc is y. After the
+    // first pass the steps are small, and sin 2phi and cos 2phi follow each step by a turn
+    // instead of new library calls.
     double phi1 = y / kM0 + phi0;
+    double sin2 = std::sin(2.0 * phi1);
+    double cos2 = std::cos(2.0 * phi1);
     for (int pass = 0; pass < kFootpointMaxPasses; ++pass) {
-        const double r = y - meridianArc(phi1, phi0, MultipleSines(phi1), origin);
+        const double r = y - meridianArc(phi1, phi0, MultipleSines(sin2, cos2), origin);
         if (std::fabs(r) < kFootpointTolerance) {
             break;
         }
+        const double previous = phi1;
         phi1 = phi1 + r / kM0;
+        const double turn = 2.0 * (phi1 - previous);
+        if (std::fabs(turn) < 0.01) {
+            turnBySmallAngle(turn, &sin2, &cos2);
+        } else {
+            sin2 = std::sin(2.0 * phi1);
+            cos2 = std::cos(2.0 * phi1);
+        }
     }
 
     const double s = std::sin(phi1);
