@@ -5,10 +5,6 @@
 
 namespace zbBase {
 
-namespace {
-const double kPi = 3.141592653589793;
-} // namespace
-
 CzbTrajcetoryModel::CzbTrajcetoryModel()
     : m_position(), m_attitude(), m_speed(0.0), m_acceleration(10.0), m_turnRate(),
       m_targetPosition(), m_targetSpeed(0.0), m_auxiliary{0.0, 0.0, 0.0, 0.0},
@@ -16,22 +12,11 @@ CzbTrajcetoryModel::CzbTrajcetoryModel()
       m_loop(0), m_currentIndex(-1), m_waypoints(), m_de() {}
 
 double CzbTrajcetoryModel::getHeading(double x, double y) {
+    // The compass table of CzbDE, except that every offset with y = -x counts as no offset.
     if (x + y == 0.0) {
         return 0.0;
     }
-    if (x >= 0.0 && y >= 0.0) {
-        return std::atan(x / y) * 180.0 / kPi;
-    }
-    if (x >= 0.0 && y < 0.0) {
-        return 180.0 - std::atan(-(x / y)) * 180.0 / kPi;
-    }
-    if (x < 0.0 && y < 0.0) {
-        return std::atan(x / y) * 180.0 / kPi + 180.0;
-    }
-    if (x < 0.0 && y >= 0.0) {
-        return 360.0 - std::atan(-(x / y)) * 180.0 / kPi;
-    }
-    return 0.0;
+    return CzbDE::getHeading(x, y);
 }
 
 void CzbTrajcetoryModel::getAngle3d(double x1, double y1, double z1, double x2, double y2,
