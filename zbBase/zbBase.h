@@ -8,3 +8,6 @@
 #include "zbBase/numeric/CzbDE.h"
 #include "zbBase/numeric/CzbRandom.h"
 #include "zbBase/numeric/zbVector.h"
+
+#include "zbBase/filesystem/CzbFileUtil.h"
+#include "zbBase/filesystem/zbPathFileUtil.h"
