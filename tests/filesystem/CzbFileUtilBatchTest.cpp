@@ -152,7 +152,8 @@ TEST(CzbFileUtilBatch, MoveFolderNeverLosesAFile) {
     EXPECT_EQ(fstest::readFile(tree.path("self/x.txt")), "x");
 
     tree.file("whole/s/t.txt", "t");
-    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("whole")), Text(tree.text("moved")), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("whole")), Text(tree.text("moved")), false),
+              0);
     EXPECT_FALSE(fs::exists(tree.path("whole")));
     EXPECT_EQ(fstest::readFile(tree.path("moved/s/t.txt")), "t");
 }

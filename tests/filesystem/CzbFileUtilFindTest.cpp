@@ -59,8 +59,9 @@ TEST(CzbFileUtilFind, FilesInOneFolderAndInTheTree) {
     // Depth first: the matches of a folder, then its subtrees; ".dot" is never entered.
     util.FindFile(Text(tree.text("*.txt")), true);
     fstest::expectListed(fstest::names(util.m_findData),
-                         {tree.text(".hidden.txt"), tree.text("a.txt"), tree.text("m.txt\\inner.txt"),
-                          tree.text("sub\\c.txt"), tree.text("sub\\deep\\d.txt")});
+                         {tree.text(".hidden.txt"), tree.text("a.txt"),
+                          tree.text("m.txt\\inner.txt"), tree.text("sub\\c.txt"),
+                          tree.text("sub\\deep\\d.txt")});
     EXPECT_EQ(util.getFindSubDirCount(), 4);
     EXPECT_EQ(util.getLastError(), ENOENT);
 
@@ -142,7 +143,8 @@ TEST(CzbFileUtilFind, RelativePathsAndSeparators) {
               std::make_pair(std::string("\\\\10.1.2.3\\share\\"), std::string("*.txt")));
 #if !defined(_WIN32)
     // No drives here: "C:name" is a relative name.
-    EXPECT_EQ(splitter.split("C:name"), std::make_pair(tree.text("sub") + "\\", std::string("C:name")));
+    EXPECT_EQ(splitter.split("C:name"),
+              std::make_pair(tree.text("sub") + "\\", std::string("C:name")));
 #endif
 }
 

@@ -113,7 +113,7 @@ TEST(CzbFileUtilPath, LastPathIntoABuffer) {
 TEST(CzbFileUtilPath, NetworkPathCountsSeparatorsAndDots) {
     EXPECT_EQ(network("\\\\192.168.0.10\\share"), 15);
     EXPECT_EQ(network("\\\\192.168.0.10\\share\\a.txt"), 15);
-    EXPECT_EQ(network("\\one\\1.2.3.4"), -1);        // one leading backslash
+    EXPECT_EQ(network("\\one\\1.2.3.4"), -1);         // one leading backslash
     EXPECT_EQ(network("\\\\host\\share\\a.txt"), -1); // a host by name
     EXPECT_EQ(network("\\\\1.2.3.4.5\\share"), -1);   // four dots in the host
     EXPECT_EQ(network("D:\\a.b.c.d"), 9);             // the counters alone decide
@@ -125,11 +125,21 @@ TEST(CzbFileUtilPath, NetworkPathCountsSeparatorsAndDots) {
 
 TEST(CzbFileUtilPath, ChangeAbsolutePathTable) {
     const char* table[][2] = {
-        {"D:/a/b", "D:\\a\\b"}, {"D:\\a\\..\\b", "D:\\b"},     {"D:\\a\\.\\b\\", "D:\\a\\b\\"},
-        {"D:\\a\\\\\\\\b", "D:\\a\\b"}, {"D:\\..\\a", "D:\\a"}, {"D:\\..", "D:"},
-        {"a\\..\\b", "a\\b"},         {"..\\a", "a"},          {"\\a\\..\\b", "\\b"},
-        {"", ""},                     {".", ""},               {"..", ""},
-        {"\\", "\\"},                 {"\\\\host\\s", "\\host\\s"}, {"a\\...\\b", "a\\...\\b"},
+        {"D:/a/b", "D:\\a\\b"},
+        {"D:\\a\\..\\b", "D:\\b"},
+        {"D:\\a\\.\\b\\", "D:\\a\\b\\"},
+        {"D:\\a\\\\\\\\b", "D:\\a\\b"},
+        {"D:\\..\\a", "D:\\a"},
+        {"D:\\..", "D:"},
+        {"a\\..\\b", "a\\b"},
+        {"..\\a", "a"},
+        {"\\a\\..\\b", "\\b"},
+        {"", ""},
+        {".", ""},
+        {"..", ""},
+        {"\\", "\\"},
+        {"\\\\host\\s", "\\host\\s"},
+        {"a\\...\\b", "a\\...\\b"},
         {"/x//y/./z/../", "\\x\\y\\"},
     };
     for (const auto& row : table) {

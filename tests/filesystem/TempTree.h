@@ -96,8 +96,12 @@ public:
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;
 
-    const fs::path& root() const { return m_root; }
-    fs::path path(const std::string& relative) const { return m_root / relative; }
+    const fs::path& root() const {
+        return m_root;
+    }
+    fs::path path(const std::string& relative) const {
+        return m_root / relative;
+    }
     // The library's text for a path below the root.
     std::string text(const std::string& relative = "") const {
         return relative.empty() ? lib(m_root) : lib(m_root / relative);
@@ -110,7 +114,9 @@ public:
         fs::create_directories(m_root / relative);
         return m_root / relative;
     }
-    void enter(const std::string& relative = "") const { fs::current_path(m_root / relative); }
+    void enter(const std::string& relative = "") const {
+        fs::current_path(m_root / relative);
+    }
 
 private:
     fs::path m_root;

@@ -16,21 +16,26 @@ TEST(zbPathFileUtil, CopytoFileAcrossTheBlockSize) {
             content[i] = static_cast<char>(i % 253);
         }
         fs::path source = tree.file("in.bin", content);
-        EXPECT_TRUE(zbPathFileUtil::CopytoFile(Text(tree.text("in.bin")), Text(tree.text("out.bin"))));
+        EXPECT_TRUE(
+            zbPathFileUtil::CopytoFile(Text(tree.text("in.bin")), Text(tree.text("out.bin"))));
         EXPECT_EQ(fstest::readFile(tree.path("out.bin")), content);
     }
     // An existing longer target keeps only the new content.
     tree.file("long.bin", std::string(9000, 'L'));
     tree.file("short.bin", "short");
-    EXPECT_TRUE(zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("long.bin"))));
+    EXPECT_TRUE(
+        zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("long.bin"))));
     EXPECT_EQ(fstest::readFile(tree.path("long.bin")), "short");
     // Onto itself the file keeps its bytes.
-    EXPECT_TRUE(zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("short.bin"))));
+    EXPECT_TRUE(
+        zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("short.bin"))));
     EXPECT_EQ(fstest::readFile(tree.path("short.bin")), "short");
 
-    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(tree.text("missing")), Text(tree.text("long.bin"))));
+    EXPECT_FALSE(
+        zbPathFileUtil::CopytoFile(Text(tree.text("missing")), Text(tree.text("long.bin"))));
     EXPECT_EQ(fstest::readFile(tree.path("long.bin")), "short");
-    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("no\\x.bin"))));
+    EXPECT_FALSE(
+        zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("no\\x.bin"))));
     EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(""), Text("")));
 }
 
@@ -42,13 +47,16 @@ TEST(zbPathFileUtil, CopytoFolderAndRemoveFile) {
     tree.file("src/d.log", "d");
     tree.file("src/fold.txt/inner.txt", "folder");
     tree.dir("dst");
-    EXPECT_TRUE(zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.txt")), Text(tree.text("dst"))));
+    EXPECT_TRUE(
+        zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.txt")), Text(tree.text("dst"))));
     EXPECT_EQ(fstest::readFile(tree.path("dst/a.txt")), "a");
     EXPECT_EQ(fstest::readFile(tree.path("dst/c.txt")), "c");
     EXPECT_FALSE(fs::exists(tree.path("dst/d.log")));
     EXPECT_FALSE(fs::exists(tree.path("dst/fold.txt")));
-    EXPECT_FALSE(zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.zzz")), Text(tree.text("dst"))));
-    EXPECT_TRUE(zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.log")), Text(tree.text("none"))));
+    EXPECT_FALSE(
+        zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.zzz")), Text(tree.text("dst"))));
+    EXPECT_TRUE(
+        zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.log")), Text(tree.text("none"))));
     EXPECT_FALSE(fs::exists(tree.path("none")));
 
     EXPECT_TRUE(zbPathFileUtil::RemoveFile(Text(tree.root().generic_string() + "/src/?.txt")));
