@@ -4,7 +4,9 @@
 // with its size and times; the peer is recursive_directory_iterator collecting the same
 // entries with size and last write time. CopyFolder copies 500 MiB in 40 files across 4
 // folders; the peer is std::filesystem::copy with the recursive option. Both trees live
-// under the system's temporary folder and are removed at the end.
+// under the system's temporary folder and are removed at the end. On a shared machine run
+// with --benchmark_repetitions=4 --benchmark_enable_random_interleaving=true and compare
+// the medians.
 #include <zbBase/filesystem/CzbFileUtil.h>
 
 #include <benchmark/benchmark.h>
