@@ -7,6 +7,7 @@
 
 using fstest::TempTree;
 using fstest::Text;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -176,3 +177,23 @@ TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
         EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
     }
 }
+
+#if !defined(_WIN32)
+TEST(CzbFileUtilFind, SymbolicLinksAreNeverEntered) {
+    TempTree tree;
+    tree.file("outside/precious.txt", "keep");
+    tree.file("walk/a.txt");
+    fs::create_directory_symlink(tree.path("walk"), tree.path("walk/loop"));
+    fs::create_directory_symlink(tree.path("outside"), tree.path("walk/out"));
+    CzbFileUtil util;
+    util.FindFile(Text(tree.text("walk\\*")), true);
+    fstest::expectListed(
+        fstest::names(util.m_findData),
+        {tree.text("walk\\a.txt"), tree.text("walk\\loop"), tree.text("walk\\out")});
+    EXPECT_EQ(util.getFindSubDirCount(), 1);
+    // Deleting the tree takes the links, not what they point to.
+    CzbFileUtil::DeleteFolder(Text(tree.text("walk")), false);
+    EXPECT_FALSE(fs::exists(tree.path("walk")));
+    EXPECT_EQ(fstest::readFile(tree.path("outside/precious.txt")), "keep");
+}
+#endif
