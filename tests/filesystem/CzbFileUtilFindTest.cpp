@@ -142,7 +142,12 @@ TEST(CzbFileUtilFind, RelativePathsAndSeparators) {
     // A network path by address is kept as it stands.
     EXPECT_EQ(splitter.split("\\\\10.1.2.3\\share\\*.txt"),
               std::make_pair(std::string("\\\\10.1.2.3\\share\\"), std::string("*.txt")));
-#if !defined(_WIN32)
+#if defined(_WIN32)
+    // A drive followed by a name: the name stands in the current folder of that drive.
+    std::string drive = tree.text().substr(0, 2);
+    EXPECT_EQ(splitter.split(drive + "name"),
+              std::make_pair(tree.text("sub") + "\\", std::string("name")));
+#else
     // No drives here: "C:name" is a relative name.
     EXPECT_EQ(splitter.split("C:name"),
               std::make_pair(tree.text("sub") + "\\", std::string("C:name")));

@@ -111,7 +111,8 @@ void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, c
     char fname[_MAX_FNAME];
     char ext[_MAX_EXT];
     zbp::_splitpath(path, drive, dir, fname, ext);
-    if (strlen(drive) + strlen(dir) != nameStart) {
+    size_t head = strlen(drive) + strlen(dir);
+    if (head < nameStart || strlen(fname) + strlen(ext) != length - head) {
         return;
     }
     bool network = isNetworkPath(path) > 0;
