@@ -38,11 +38,15 @@ int CzbRandom::GetRandom(int a, int b) {
     // 45 random bits from three draws, rejecting the top so that every value is equally likely.
     const uint64_t span = 1ull << 45;
     const uint64_t limit = span - span % range;
-    uint64_t r;
-    do {
+    // A rejection has a chance below 2^-13; the bound only rules out an endless loop.
+    uint64_t r = 0;
+    for (int attempt = 0; attempt < 64; ++attempt) {
         r = (static_cast<uint64_t>(zbp::rand()) << 30) |
             (static_cast<uint64_t>(zbp::rand()) << 15) | static_cast<uint64_t>(zbp::rand());
-    } while (r >= limit);
+        if (r < limit) {
+            break;
+        }
+    }
     return static_cast<int>(lo + static_cast<int64_t>(r % range));
 }
 

@@ -20,8 +20,9 @@ public:
     ~CzbRandom() = default;
 
     // Sum of 100 Box-Muller samples, each cut to whole millionths, with the given standard
-    // deviation and mean. Uses 200 draws of the generator and does not seed it. A sample that
-    // is not finite or too large for the cut (|term| >= 2147.483648) is left out of the sum.
+    // deviation and mean. Uses 200 draws of the generator and does not seed it. A term that is
+    // not finite, or whose count of millionths does not fit a 32-bit int (some 2147.48 in
+    // size), is left out of the sum, so the sum stays finite.
     double Gaussian(float sigma, float mean);
     // Adds the calendar time in seconds to ms_randomseed (wrapping), seeds the generator
     // with it, and returns a uniform draw from the closed range between the two arguments

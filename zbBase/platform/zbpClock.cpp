@@ -39,9 +39,16 @@ struct tm* _localtime64(const __time64_t* time) {
 void GetLocalTime(SYSTEMTIME* out) {
     struct timespec ts;
     clock_gettime(CLOCK_REALTIME, &ts);
+    // The broken-down time changes once a second: each thread keeps the last one, which
+    // spares frequent callers (the logger) the runtime's time-zone lock.
+    static thread_local time_t cachedSecond = -1;
+    static thread_local struct tm cachedLocal;
     time_t t = ts.tv_sec;
-    struct tm local;
-    localtime_r(&t, &local);
+    if (t != cachedSecond) {
+        localtime_r(&t, &cachedLocal);
+        cachedSecond = t;
+    }
+    const struct tm& local = cachedLocal;
     out->wYear = static_cast<WORD>(local.tm_year + 1900);
     out->wMonth = static_cast<WORD>(local.tm_mon + 1);
     out->wDayOfWeek = static_cast<WORD>(local.tm_wday);

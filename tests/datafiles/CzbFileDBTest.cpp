@@ -1,0 +1,272 @@
+#include "datafiles/zbTempFolder.h"
+
+#include <zbBase/datafiles/CzbFileDB.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <thread>
+
+using zbBase::CzbStringT;
+
+TEST(CzbStringT, EmptyNullFormatCompareAndSharedCopies) {
+    CzbStringT empty(nullptr);
+    EXPECT_EQ(empty.GetLength(), 0);
+    EXPECT_STREQ(empty.GetString(), "");
+    CzbStringT a("abc");
+    a = static_cast<const char*>(nullptr);
+    EXPECT_EQ(a.GetLength(), 0);
+
+    CzbStringT f;
+    f.Format("%s%s%d", "speed", "_#", -1);
+    EXPECT_STREQ(f, "speed_#-1");
+    EXPECT_EQ(f.GetLength(), 9);
+    EXPECT_EQ(f[0], 's');
+    f.Format("%s", f.GetString()); // its own text as argument
+    EXPECT_STREQ(f, "speed_#-1");
+
+    EXPECT_LT(CzbStringT("B").Compare("a"), 0);    // bytes, case counts
+    EXPECT_GT(CzbStringT("\xE0").Compare("z"), 0); // unsigned bytes
+    EXPECT_TRUE(CzbStringT("ab") < CzbStringT("abc"));
+    EXPECT_GT(CzbStringT("x").Compare(nullptr), 0);
+
+    CzbStringT original("value");
+    CzbStringT copy(original);
+    EXPECT_EQ(copy.GetString(), original.GetString()); // shared until written
+    copy.GetBuffer()[0] = 'V';
+    EXPECT_STREQ(original, "value");
+    EXPECT_STREQ(copy, "Value");
+    copy = original;
+    const CzbStringT& same = copy;
+    copy = same;
+    EXPECT_STREQ(copy, "value");
+}
+
+TEST(CzbFileDB, EmptyDatabaseGivesDefaults) {
+    CzbFileDB db;
+    char text[16] = "untouched";
+    int i = 1;
+    long l = 2;
+    float f = 3;
+    double d = 4;
+    CzbStringT s;
+    db.getItem(T("k"), text, T("def"));
+    db.getItem(T("k"), &i, 9);
+    db.getItem(T("k"), &l, 8L);
+    db.getItem(T("k"), &f, 7.5f);
+    db.getItem(T("k"), &d, 6.5);
+    db.getItem(T("k"), &s, T("sdef"));
+    EXPECT_STREQ(text, "def");
+    EXPECT_EQ(i, 9);
+    EXPECT_EQ(l, 8L);
+    EXPECT_EQ(f, 7.5f);
+    EXPECT_EQ(d, 6.5);
+    EXPECT_STREQ(s, "sdef");
+    db.getItem(0, T("k"), &s, nullptr);
+    EXPECT_STREQ(s, "");
+    EXPECT_EQ(db.getItemNum(T("k")), 0);
+    EXPECT_EQ(db.getItemPoint(T("k")), nullptr);
+    EXPECT_EQ(db.deleteItem(0), -1);
+    EXPECT_EQ(db.deleteItem(T("k")), 0);
+    EXPECT_EQ(db.deleteItem(static_cast<char*>(nullptr)), -1);
+    db.setItemClear(T("k"));
+    db.clear();
+    EXPECT_TRUE(db.m_items.empty());
+}
+
+TEST(CzbFileDB, TextFormsOfNumbers) {
+    CzbFileDB db;
+    db.setItem(T("empty"), T(""));
+    int i = 5;
+    db.getItem(T("empty"), &i, 9);
+    EXPECT_EQ(i, 0);
+    char text[16] = "x";
+    db.getItem(T("empty"), text, T("def"));
+    EXPECT_STREQ(text, "");
+
+    db.setItem(T("abc"), T("abc"));
+    db.setItem(T("12abc"), T("12abc"));
+    db.getItem(T("abc"), &i, 9);
+    EXPECT_EQ(i, 0);
+    db.getItem(T("12abc"), &i, 9);
+    EXPECT_EQ(i, 12);
+
+    db.setItem(T("f"), 2.5f);
+    db.setItem(T("d"), 2.5);
+    EXPECT_STREQ(db.getItemPoint(T("f")), "2.500000");
+    EXPECT_STREQ(db.getItemPoint(T("d")), "2.500000");
+    float f = 0;
+    double d = 0;
+    db.getItem(T("f"), &f, 0.0f);
+    db.getItem(T("d"), &d, 0.0);
+    EXPECT_EQ(f, 2.5f);
+    EXPECT_EQ(d, 2.5);
+    db.getItem(T("f"), &i, 9);
+    EXPECT_EQ(i, 2);
+
+    db.setItem(T("l"), -7L);
+    EXPECT_STREQ(db.getItemPoint(T("l")), "-7");
+    long l = 0;
+    db.getItem(T("l"), &l, 0L);
+    EXPECT_EQ(l, -7L);
+
+    // Beyond the 32-bit range numbers saturate; a float read of a huge value is infinite.
+    db.setItem(T("big"), T("99999999999"));
+    db.getItem(T("big"), &i, 0);
+    EXPECT_EQ(i, INT_MAX);
+    db.setItem(T("big"), T("-99999999999"));
+    db.getItem(T("big"), &l, 0L);
+    EXPECT_EQ(l, static_cast<long>(INT_MIN));
+    db.setItem(T("huge"), T("1e300"));
+    db.getItem(T("huge"), &f, 0.0f);
+    EXPECT_TRUE(f > 3e38f);
+}
+
+TEST(CzbFileDB, OrderPositionsAndReplacement) {
+    CzbFileDB db;
+    db.setItem(T("a"), 1);
+    db.setItem(T("b"), 2);
+    db.setItem(T("a"), 3);
+    int v = 0;
+    db.getItem(T("a"), &v, 0);
+    EXPECT_EQ(v, 3);
+    ASSERT_EQ(db.m_order.size(), 2u);
+    EXPECT_STREQ(db.m_order[0]->first, "a");
+    EXPECT_EQ(db.deleteItem(0), 0);
+    EXPECT_EQ(db.getItemPoint(T("a")), nullptr);
+
+    db.clear();
+    db.setItem(T("x"), T("1"));
+    db.setItem(T("y"), T("2"));
+    db.setItem(T("z"), T("3"));
+    EXPECT_EQ(db.deleteItem(3), -1);
+    EXPECT_EQ(db.deleteItem(-1), -1);
+    EXPECT_EQ(db.deleteItem(1), 0);
+    ASSERT_EQ(db.m_order.size(), 2u);
+    EXPECT_STREQ(db.m_order[1]->first, "z");
+    EXPECT_EQ(db.deleteItem(T("x")), 0);
+    EXPECT_EQ(db.deleteItem(T("x")), 0);
+    EXPECT_EQ(db.m_items.size(), 1u);
+
+    db.setItem(T(""), T("empty key"));
+    EXPECT_STREQ(db.getItemPoint(T("")), "empty key");
+}
+
+TEST(CzbFileDB, FamiliesAreKeyPrefixes) {
+    CzbFileDB db;
+    db.setItem(2, T("a"), T("two"));
+    EXPECT_EQ(db.getItemNum(T("a")), 1);
+    char text[16];
+    db.getItem(0, T("a"), text, T("def"));
+    EXPECT_STREQ(text, "def");
+    EXPECT_STREQ(db.getItemPoint(T("a_#2")), "two");
+
+    db.setItem(T("a_#5"), 5);
+    int v = 0;
+    db.getItem(5, T("a"), &v, 0);
+    EXPECT_EQ(v, 5);
+    EXPECT_EQ(db.getItemNum(T("a")), 2);
+    db.setItem(-1, T("a"), 1.5);
+    EXPECT_STREQ(db.getItemPoint(T("a_#-1")), "1.500000");
+
+    db.setItem(T("speed_#x"), T("1"));
+    db.setItem(T("speed_#"), T("1"));
+    db.setItem(T("speedy_#0"), T("1"));
+    EXPECT_EQ(db.getItemNum(T("speed")), 2);
+
+    db.setItem(T("keep1"), T("k"));
+    db.setItemClear(T("a"));
+    EXPECT_EQ(db.getItemNum(T("a")), 0);
+    ASSERT_EQ(db.m_order.size(), 4u);
+    EXPECT_STREQ(db.m_order[0]->first, "speed_#x");
+    EXPECT_STREQ(db.m_order[2]->first, "speedy_#0");
+    EXPECT_STREQ(db.m_order[3]->first, "keep1");
+
+    db.setItem(0, T("g"), 0);
+    db.setItem(1, T("g"), 1);
+    db.setItem(2, T("g"), 2);
+    db.deleteItem(T("g_#1"));
+    EXPECT_EQ(db.getItemNum(T("g")), 2);
+    db.getItem(2, T("g"), &v, 0);
+    EXPECT_EQ(v, 2);
+    float f = 0;
+    db.getItem(1, T("g"), &f, -1.0f);
+    EXPECT_EQ(f, -1.0f);
+}
+
+TEST(CzbFileDB, ItemPointIsTheItemsOwnAndCopiesAreIndependent) {
+    CzbFileDB db;
+    db.setItem(T("k"), T("abc"));
+    CzbFileDB copy(db);
+    char* p = db.getItemPoint(T("k"));
+    ASSERT_NE(p, nullptr);
+    p[0] = 'X';
+    EXPECT_STREQ(db.getItemPoint(T("k")), "Xbc");
+    EXPECT_STREQ(copy.getItemPoint(T("k")), "abc");
+
+    CzbStringT out;
+    db.getItem(T("k"), &out, T("d"));
+    db.getItemPoint(T("k"))[1] = 'Y';
+    EXPECT_STREQ(out, "Xbc");
+
+    db.setItem(T("second"), 2);
+    copy = db;
+    const CzbFileDB& same = copy;
+    copy = same;
+    ASSERT_EQ(copy.m_order.size(), 2u);
+    EXPECT_STREQ(copy.m_order[1]->first, "second");
+    EXPECT_STREQ(copy.getItemPoint(T("k")), "XYc");
+    copy.setItem(T("k"), T("changed"));
+    EXPECT_STREQ(db.getItemPoint(T("k")), "XYc");
+    // The copy's lock is its own: holding the source's does not hold it.
+    db.setWriteEnter();
+    std::thread other([&copy] {
+        copy.setWriteEnter();
+        copy.setItem(T("t"), 1);
+        copy.setWriteRelease();
+    });
+    other.join();
+    db.setWriteRelease();
+}
+
+TEST(CzbFileDB, LockIsReentrantAndSerialisesHosts) {
+    CzbFileDB db;
+    db.setWriteEnter();
+    db.setWriteEnter();
+    db.setItem(T("n"), 0);
+    db.setWriteRelease();
+    db.setWriteRelease();
+    auto work = [&db] {
+        for (int i = 0; i < 500; ++i) {
+            db.setWriteEnter();
+            int n = 0;
+            db.getItem(T("n"), &n, 0);
+            db.setItem(T("n"), n + 1);
+            db.setWriteRelease();
+        }
+    };
+    std::thread a(work), b(work);
+    a.join();
+    b.join();
+    int n = 0;
+    db.getItem(T("n"), &n, 0);
+    EXPECT_EQ(n, 1000);
+}
+
+TEST(CzbFileDB, ConstructionLeavesAFileNamedAaaAlone) {
+    TempFolder folder;
+    std::filesystem::path previous = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    writeBytes("aaa.txt", "host=`keeps this`\n");
+    {
+        CzbFileDB db;
+        EXPECT_TRUE(db.m_items.empty());
+        CzbFileDB copy(db);
+    }
+    EXPECT_EQ(readBytes("aaa.txt"), "host=`keeps this`\n");
+    std::filesystem::remove("aaa.txt");
+    { CzbFileDB db; }
+    EXPECT_FALSE(fileExists("aaa.txt"));
+    std::filesystem::current_path(previous);
+}

@@ -1,0 +1,136 @@
+#include "datafiles/zbTempFolder.h"
+
+#include <zbBase/datafiles/CzbFileMgrB.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+using zbBase::CzbFileMgrB;
+
+namespace {
+
+std::string block(void* data, size_t size) {
+    return data != nullptr ? std::string(static_cast<const char*>(data), size) : "<null>";
+}
+
+} // namespace
+
+TEST(CzbFileMgrB, HeadAndBodiesByteForByte) {
+    TempFolder folder;
+    std::string path = folder.file("hb.bin");
+    CzbFileMgrB writer;
+    writer.SetDataSize(8, 4);
+    EXPECT_TRUE(writer.SetHead(T("HEAD-old")));
+    EXPECT_TRUE(writer.SetHead(T("HEAD0123")));
+    EXPECT_TRUE(writer.AddBody(T("b0b0")));
+    EXPECT_TRUE(writer.AddBody(T("b1b1")));
+    EXPECT_TRUE(writer.AddBody(T("b2b2")));
+    writer.MakeFile(T(path));
+    EXPECT_EQ(readBytes(path), "HEAD0123b0b0b1b1b2b2");
+    writer.AddBody(T("b3b3"));
+    writer.MakeFile(T(path));
+    EXPECT_EQ(readBytes(path).size(), 24u);
+
+    CzbFileMgrB reader;
+    reader.SetDataSize(8, 4);
+    EXPECT_EQ(reader.GetBodyData(), nullptr);
+    ASSERT_TRUE(reader.OpenFile(T(path)));
+    EXPECT_EQ(block(reader.GetHeadData(), 8), "HEAD0123");
+    EXPECT_EQ(block(reader.GetBodyData(), 4), "b0b0");
+    EXPECT_EQ(reader.MoveNext(), 1);
+    EXPECT_EQ(reader.MoveNext(), 2);
+    EXPECT_EQ(block(reader.GetBodyData(), 4), "b2b2");
+    EXPECT_EQ(reader.MoveNext(), 3);
+    EXPECT_EQ(reader.MoveNext(), 0);
+    reader.MoveNext();
+    ASSERT_TRUE(reader.OpenFile(T(path))); // a second read replaces the first
+    EXPECT_EQ(reader.m_cursor, 0);
+    EXPECT_EQ(reader.m_readBodies.size(), 4u);
+
+    // Other sizes give other records and no failure.
+    reader.SetDataSize(4, 8);
+    EXPECT_EQ(reader.GetHeadData(), nullptr);
+    ASSERT_TRUE(reader.OpenFile(T(path)));
+    EXPECT_EQ(block(reader.GetHeadData(), 4), "HEAD");
+    EXPECT_EQ(block(reader.GetBodyData(), 8), "0123b0b0");
+    EXPECT_EQ(reader.m_readBodies.size(), 2u); // the last 4 bytes are no whole body
+
+    // Copies own their blocks.
+    CzbFileMgrB copy(reader);
+    EXPECT_NE(copy.GetHeadData(), reader.GetHeadData());
+    EXPECT_EQ(block(copy.GetHeadData(), 4), "HEAD");
+    CzbFileMgrB assigned;
+    assigned = writer;
+    const CzbFileMgrB& same = assigned;
+    assigned = same;
+    EXPECT_NE(assigned.m_writeHead, writer.m_writeHead);
+    assigned.MakeFile(T(path));
+    EXPECT_EQ(readBytes(path), "HEAD0123b0b0b1b1b2b2b3b3");
+}
+
+TEST(CzbFileMgrB, HeadSizeZeroNoBodiesAndMissingHead) {
+    TempFolder folder;
+    std::string path = folder.file("hb.bin");
+    CzbFileMgrB mgr;
+    mgr.SetDataSize(0, 3);
+    EXPECT_FALSE(mgr.SetHead(T("xyz")));
+    mgr.AddBody(T("abc"));
+    mgr.AddBody(T("def"));
+    mgr.MakeFile(T(path));
+    EXPECT_EQ(readBytes(path), "abcdef");
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(block(mgr.GetBodyData(), 3), "abc");
+    EXPECT_EQ(mgr.MoveNext(), 1);
+    EXPECT_EQ(block(mgr.GetBodyData(), 3), "def");
+
+    mgr.SetDataSize(5, 3);
+    EXPECT_TRUE(mgr.m_writeBodies.empty());
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+    mgr.MakeFile(T(path)); // no head set: five zero bytes
+    EXPECT_EQ(readBytes(path), std::string(5, '\0'));
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(block(mgr.GetHeadData(), 5), std::string(5, '\0'));
+    EXPECT_EQ(mgr.GetBodyData(), nullptr);
+    EXPECT_EQ(mgr.MoveNext(), 0);
+    EXPECT_EQ(mgr.MoveNext(), 0);
+
+    // A file that cannot be opened: read side empty, write side kept.
+    mgr.SetHead(T("head!"));
+    EXPECT_FALSE(mgr.OpenFile(T(folder.file("missing.bin"))));
+    EXPECT_EQ(mgr.GetHeadData(), nullptr);
+    EXPECT_NE(mgr.m_writeHead, nullptr);
+    mgr.MakeFile(T(folder.file("no/such/dir.bin"))); // nothing happens
+}
+
+TEST(CzbFileMgrB, MalformedFilesKeepWhatIsWhole) {
+    TempFolder folder;
+    std::string path = folder.file("bad.bin");
+    CzbFileMgrB mgr;
+    mgr.SetDataSize(8, 4);
+
+    writeBytes(path, "");
+    EXPECT_FALSE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(mgr.GetHeadData(), nullptr);
+
+    writeBytes(path, "short"); // shorter than the head
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(mgr.GetHeadData(), nullptr);
+    EXPECT_EQ(mgr.GetBodyData(), nullptr);
+
+    writeBytes(path, "HEAD0123b0b0b1"); // a partial last body
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(block(mgr.GetHeadData(), 8), "HEAD0123");
+    EXPECT_EQ(mgr.m_readBodies.size(), 1u);
+
+    mgr.SetDataSize(8, 0); // a body size of 0 ends at once
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(block(mgr.GetHeadData(), 8), "HEAD0123");
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+
+    mgr.SetDataSize(0x7fffffffu, 0x7fffffffu); // sizes far beyond the file
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(mgr.GetHeadData(), nullptr);
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+}

@@ -1,0 +1,226 @@
+#include "datafiles/zbTempFolder.h"
+
+#include <zbBase/datafiles/CzbFileMgr.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+using zbBase::CzbFileMgr;
+
+namespace {
+
+std::string text(CzbFileMgr& mgr, const char* name, const char* preset = "<none>") {
+    char value[200];
+    std::strcpy(value, preset);
+    mgr.GetAttribute(const_cast<char*>(name), value);
+    return value;
+}
+
+void openBytes(CzbFileMgr& mgr, const TempFolder& folder, const std::string& bytes) {
+    std::string path = folder.file("in.ini");
+    writeBytes(path, bytes);
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+}
+
+} // namespace
+
+TEST(CzbFileMgr, RecordsAndInitialState) {
+    _Attribute a;
+    for (size_t i = 0; i < 128; ++i) {
+        ASSERT_EQ(a.title[i] | a.name[i] | a.value[i], 0);
+    }
+    _Title t(T("Radar"));
+    EXPECT_TRUE(t.compare(T("Radar")));
+    EXPECT_FALSE(t.compare(T("radar")));
+    EXPECT_FALSE(t.compare(T("Radar ")));
+    t.clear();
+    EXPECT_TRUE(t.compare(T("")));
+    _Title cut(T(std::string(300, 'c')));
+    EXPECT_EQ(std::strlen(cut.title), 127u);
+    EXPECT_TRUE(cut.compare(T(std::string(300, 'c'))));
+    static_assert(sizeof(_Title) == 128 && sizeof(_Attribute) == 384, "record widths");
+
+    CzbFileMgr mgr;
+    EXPECT_EQ(mgr.m_position, 0);
+    for (char c : mgr.m_title) {
+        ASSERT_EQ(c, 0);
+    }
+    EXPECT_FALSE(mgr.SetAttribute(T("a"), 1));
+    EXPECT_TRUE(mgr.m_attributes.empty());
+}
+
+TEST(CzbFileMgr, WorkedExampleByteForByte) {
+    TempFolder folder;
+    CzbFileMgr mgr;
+    mgr.SetTitle(T("Radar"));
+    EXPECT_TRUE(mgr.SetAttribute(T("range"), 120.5f));
+    EXPECT_TRUE(mgr.SetAttribute(T("mode"), T("scan")));
+    mgr.SetTitle(T("Track"));
+    EXPECT_TRUE(mgr.SetAttribute(T("count"), 3));
+    std::string path = folder.file("radar.ini");
+    ASSERT_TRUE(mgr.MakeFile(T(path)));
+    EXPECT_EQ(readBytes(path),
+              "[Radar]" NL "range = 120.500000" NL "mode = scan" NL "[Track]" NL "count = 3" NL);
+    // MakeFile leaves no title.
+    EXPECT_FALSE(mgr.SetAttribute(T("x"), 1.0));
+
+    CzbFileMgr back;
+    ASSERT_TRUE(back.OpenFile(T(path)));
+    EXPECT_FALSE(back.SetAttribute(T("x"), T("y")));
+    back.SetTitle(T("Radar"));
+    float range = 0;
+    EXPECT_FALSE(back.GetAttribute(T("range"), range)); // another title follows
+    EXPECT_EQ(range, 120.5f);
+    back.SetTitle(T("Track"));
+    int count = 0;
+    double asDouble = 0;
+    EXPECT_TRUE(back.GetAttribute(T("count"), count));
+    EXPECT_TRUE(back.GetAttribute(T("count"), asDouble));
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(asDouble, 3.0);
+}
+
+TEST(CzbFileMgr, GetAttributeResultTable) {
+    CzbFileMgr mgr;
+    int untouched = 7;
+    EXPECT_TRUE(mgr.GetAttribute(T("a"), untouched)); // empty table
+    EXPECT_EQ(untouched, 7);
+    mgr.SetTitle(T("A"));
+    mgr.SetAttribute(T("a"), T("1"));
+    mgr.SetAttribute(T("a"), T("2"));
+    mgr.SetTitle(T("B"));
+    mgr.SetAttribute(T("b"), T("3"));
+    mgr.SetTitle(T("A")); // position 0
+    EXPECT_EQ(mgr.m_position, 0);
+    EXPECT_EQ(text(mgr, "a"), "2"); // last of the name wins
+    char value[8] = "keep";
+    EXPECT_FALSE(mgr.GetAttribute(T("a"), value));
+    EXPECT_FALSE(mgr.GetAttribute(T("zz"), value));
+    EXPECT_STREQ(value, "2");
+    mgr.SetTitle(T("B"));
+    EXPECT_EQ(mgr.m_position, 2);
+    EXPECT_TRUE(mgr.GetAttribute(T("b"), value));
+    EXPECT_STREQ(value, "3");
+    std::strcpy(value, "keep");
+    EXPECT_TRUE(mgr.GetAttribute(T("zz"), value));
+    EXPECT_STREQ(value, "keep");
+    // A title without records leaves the position, whose record has another title.
+    mgr.SetTitle(T("C"));
+    EXPECT_EQ(mgr.m_position, 2);
+    EXPECT_FALSE(mgr.GetAttribute(T("b"), value));
+    EXPECT_STREQ(value, "keep");
+    mgr.SetTitle(T(""));
+    EXPECT_EQ(mgr.m_position, 0);
+    mgr.m_position = 3;
+    mgr.SetTitle(T("B"));
+    mgr.m_position = 3;
+    EXPECT_TRUE(mgr.GetAttribute(T("b"), value)); // at the end
+    EXPECT_STREQ(value, "keep");
+}
+
+TEST(CzbFileMgr, MakeFileGroupsTitlesAndFailsWithoutRecords) {
+    TempFolder folder;
+    std::string path = folder.file("out.ini");
+    writeBytes(path, "precious");
+    CzbFileMgr mgr;
+    EXPECT_FALSE(mgr.MakeFile(T(path)));
+    EXPECT_EQ(readBytes(path), "precious");
+
+    mgr.SetTitle(T("A"));
+    mgr.SetAttribute(T("x"), 1);
+    mgr.SetTitle(T("B"));
+    mgr.SetAttribute(T("y"), 2);
+    mgr.SetTitle(T("A"));
+    mgr.SetAttribute(T("z"), 3);
+    EXPECT_FALSE(mgr.MakeFile(T(folder.file("no/such/dir.ini"))));
+    EXPECT_EQ(mgr.m_title[0], 0);
+    ASSERT_TRUE(mgr.MakeFile(T(path)));
+    EXPECT_EQ(readBytes(path), "[A]" NL "x = 1" NL "z = 3" NL "[B]" NL "y = 2" NL);
+    EXPECT_STREQ(mgr.m_attributes[1].title, "B"); // the table itself is not regrouped
+
+    // Through the file the later run of A becomes reachable.
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    mgr.SetTitle(T("A"));
+    EXPECT_EQ(text(mgr, "z"), "3");
+    EXPECT_FALSE(mgr.OpenFile(T(folder.file("missing.ini"))));
+    EXPECT_TRUE(mgr.m_attributes.empty());
+}
+
+TEST(CzbFileMgr, ReaderTakesWhatTheScanPatternsTake) {
+    TempFolder folder;
+    CzbFileMgr mgr;
+    openBytes(mgr, folder, "");
+    EXPECT_TRUE(mgr.m_attributes.empty());
+    openBytes(mgr, folder, "a = 1\nb = 2\n");
+    EXPECT_TRUE(mgr.m_attributes.empty()); // no header: no title, dropped
+
+    openBytes(mgr, folder,
+              "[ One ]\r\n"
+              "a = 1\r\n"
+              "  b =2 // comment\r\n"
+              "c= 3\r\n"
+              "d=4\r\n"
+              "e = two words\r\n"
+              "url = http://x\r\n"
+              "\r\n"
+              "[My Radar]\n"
+              "[\n"
+              "f = 5\n");
+    mgr.SetTitle(T("One"));
+    EXPECT_EQ(text(mgr, "a"), "1");
+    EXPECT_EQ(text(mgr, "b"), "2");
+    EXPECT_EQ(text(mgr, "c="), "2"); // no value: the one before
+    EXPECT_EQ(text(mgr, "d=4"), "2");
+    EXPECT_EQ(text(mgr, "e"), "two");
+    EXPECT_EQ(text(mgr, "url"), "http:");
+    ASSERT_EQ(mgr.m_attributes.size(), 8u);
+    // The blank line repeats the record before it.
+    EXPECT_STREQ(mgr.m_attributes[5].name, "url");
+    EXPECT_STREQ(mgr.m_attributes[6].name, "url");
+    mgr.SetTitle(T("My"));
+    EXPECT_EQ(text(mgr, "f"), "5");
+    EXPECT_STREQ(mgr.m_attributes[7].title, "My");
+
+    // A blank line right behind the first header adds a record with empty name and value;
+    // behind a later header it carries the line before into the new title.
+    openBytes(mgr, folder, "[A]\n\nx = 1\n[B]\n\n[]\n");
+    ASSERT_EQ(mgr.m_attributes.size(), 3u);
+    EXPECT_STREQ(mgr.m_attributes[0].name, "");
+    EXPECT_STREQ(mgr.m_attributes[2].title, "B");
+    EXPECT_STREQ(mgr.m_attributes[2].name, "x");
+    EXPECT_STREQ(mgr.m_attributes[2].value, "1");
+}
+
+TEST(CzbFileMgr, LongTextsAreCutAt127Characters) {
+    TempFolder folder;
+    CzbFileMgr mgr;
+    std::string longTitle(200, 't'), longName(200, 'n'), longValue(300, 'v');
+    mgr.SetTitle(T(longTitle));
+    EXPECT_EQ(std::strlen(mgr.m_title), 127u);
+    ASSERT_TRUE(mgr.SetAttribute(T(longName), T(longValue)));
+    ASSERT_TRUE(mgr.SetAttribute(T("big"), 1e300));
+    EXPECT_EQ(std::strlen(mgr.m_attributes[0].name), 127u);
+    EXPECT_EQ(std::strlen(mgr.m_attributes[0].value), 127u);
+    EXPECT_EQ(std::strlen(mgr.m_attributes[1].value), 127u);
+
+    char out[140];
+    std::memset(out, '#', sizeof out);
+    mgr.SetTitle(T(longTitle));
+    EXPECT_TRUE(mgr.GetAttribute(T(longName), out));
+    EXPECT_EQ(std::strlen(out), 127u);
+    EXPECT_EQ(out[128], '#');
+
+    std::string path = folder.file("long.ini");
+    ASSERT_TRUE(mgr.MakeFile(T(path)));
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    mgr.SetTitle(T(longTitle));
+    EXPECT_EQ(text(mgr, longName.c_str()), std::string(127, 'v'));
+
+    // Over-long words in a file are cut too, and the scan goes on behind them.
+    openBytes(mgr, folder, "[" + longTitle + "]\n" + longName + " = " + longValue + "\n");
+    ASSERT_EQ(mgr.m_attributes.size(), 1u);
+    EXPECT_EQ(std::string(mgr.m_attributes[0].title), std::string(127, 't'));
+    EXPECT_EQ(std::string(mgr.m_attributes[0].value), std::string(127, 'v'));
+}

@@ -1,0 +1,307 @@
+#include "zbBase/diagnostics/CzbLogger.h"
+
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <ctime>
+#include <map>
+#include <regex>
+#include <thread>
+
+using diagtest::TempFolder;
+using diagtest::Text;
+
+namespace {
+
+std::string yymmdd(const SYSTEMTIME& t) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%02d%02d%02d", t.wYear % 100, t.wMonth, t.wDay);
+    return text;
+}
+
+std::string expectedLine(const CzbLogger::_LoggerData& r) {
+    char line[700];
+    std::snprintf(line, sizeof line, "%08d   %02d/%02d/%02d %02d:%02d:%02d.%03d   L[%02d] %s",
+                  r.number, r.time.wYear % 100, r.time.wMonth, r.time.wDay, r.time.wHour,
+                  r.time.wMinute, r.time.wSecond, r.time.wMilliseconds, r.level, r.text);
+    return line;
+}
+
+// Waits, without a reset, until the saver has handled every stored record.
+void waitForSaver(CzbLogger& logger) {
+    while (logger.m_saveIndex.load() != logger.m_writeIndex.load()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+const std::regex kLine("^(\\d{8})   \\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}   "
+                       "L\\[00\\] (.*)$");
+
+} // namespace
+
+TEST(CzbLogger, RingKeepsTheNewestRecordsInOrder) {
+    CzbLogger defaults;
+    EXPECT_EQ(defaults.getBufferSize(), 200);
+    EXPECT_EQ(defaults.getLogStringLen(), 512);
+    EXPECT_EQ(defaults.GetLogDataNum(), 0);
+    EXPECT_EQ(defaults.m_threadState.load(), 0);
+    defaults.setLog(Text("first %d"), 7);
+    EXPECT_EQ(defaults.GetLogData(0), &defaults.m_logData[0]);
+    EXPECT_EQ(defaults.GetLogData(0)->number, 0);
+    EXPECT_EQ(defaults.GetLogData(0)->level, 0);
+    EXPECT_STREQ(defaults.GetLogData(0)->text, "first 7");
+
+    CzbLogger ring(3, 64);
+    for (int i = 0; i < 3; ++i) {
+        ring.setLog(Text("m%d"), i);
+    }
+    EXPECT_EQ(ring.GetLogDataNum(), 3);
+    EXPECT_EQ(ring.GetLogData(0), &ring.m_logData[0]);
+    ring.setLog(Text("m3"));
+    ring.setLog(Text("m4"));
+    EXPECT_EQ(ring.GetLogDataNum(), 3);
+    EXPECT_EQ(ring.GetLogData(0)->number, 2);
+    EXPECT_EQ(ring.GetLogData(1)->number, 3);
+    EXPECT_EQ(ring.GetLogData(2)->number, 4);
+    EXPECT_STREQ(ring.GetLogData(2)->text, "m4");
+    EXPECT_EQ(ring.GetLogData(3), nullptr);
+    EXPECT_EQ(ring.GetLogData(-1), nullptr);
+
+    ring.resetLogCount(0);
+    EXPECT_EQ(ring.GetLogDataNum(), 0);
+    ring.setLog(Text("again"));
+    EXPECT_EQ(ring.GetLogData(0)->number, 0);
+    EXPECT_EQ(ring.GetLogData(0), &ring.m_logData[0]);
+
+    // Messages are cut to the text block, and sizes below 1 are raised to 1.
+    CzbLogger small(0, 6);
+    EXPECT_EQ(small.getBufferSize(), 1);
+    small.setLog(Text("abcdefghij"));
+    EXPECT_STREQ(small.GetLogData(0)->text, "abcde");
+    std::string huge(900, 'h');
+    CzbLogger wide(1, 2000);
+    wide.setLog(Text("%s"), huge.c_str());
+    EXPECT_EQ(std::strlen(wide.GetLogData(0)->text), 511u);
+    CzbLogger tiny(1, -4);
+    EXPECT_EQ(tiny.getLogStringLen(), 1);
+    tiny.setLog(Text("x"));
+    EXPECT_STREQ(tiny.GetLogData(0)->text, "");
+
+    char date[9], time[13];
+    defaults.getDateTime(date, time);
+    EXPECT_TRUE(std::regex_match(date, std::regex("^\\d\\d/\\d\\d/\\d\\d$")));
+    EXPECT_TRUE(std::regex_match(time, std::regex("^\\d\\d:\\d\\d:\\d\\d\\.\\d{3}$")));
+}
+
+TEST(CzbLogger, FlatFileHoldsExactLines) {
+    TempFolder folder;
+    std::string prefix = folder.file("Run");
+    {
+        CzbLogger logger(16, 128);
+        logger.setWriteFileMode(Text(prefix), 5);
+        EXPECT_EQ(logger.m_threadState.load(), 1);
+        for (int i = 0; i < 5; ++i) {
+            logger.setLog(Text("value %d of %s"), i, "five");
+        }
+        std::vector<CzbLogger::_LoggerData> records;
+        logger.resetLogCount(1);
+        for (int i = 0; i < 5; ++i) {
+            records.push_back(logger.m_logData[i]);
+        }
+        std::string expected;
+        for (const auto& r : records) {
+            expected += expectedLine(r) + diagtest::kEol;
+        }
+        std::string name = prefix + "_" + yymmdd(records[0].time) + ".log";
+        if (yymmdd(records[0].time) == yymmdd(records[4].time)) {
+            EXPECT_EQ(diagtest::readBytes(name), expected);
+        }
+        for (const auto& line : diagtest::readLines(name)) {
+            EXPECT_TRUE(std::regex_match(line, kLine)) << line;
+        }
+        EXPECT_EQ(expectedLine(records[2]).substr(0, 11), "00000002   ");
+        EXPECT_EQ(expectedLine(records[2]).substr(35), "L[00] value 2 of five");
+
+        // One record written by hand: the line of the 43rd message of a run.
+        SYSTEMTIME t{2026, 11, 4, 19, 9, 5, 7, 123};
+        char text[] = "hello";
+        CzbLogger::_LoggerData record{42, 0, t, text};
+        std::string single = folder.file("single.log");
+        FILE* file = std::fopen(single.c_str(), "a");
+        ASSERT_NE(file, nullptr);
+        logger.setLogDataToFile(file, &record);
+        std::fclose(file);
+        EXPECT_EQ(diagtest::readBytes(single),
+                  "00000042   26/11/19 09:05:07.123   L[00] hello" + diagtest::kEol);
+    }
+    // Nothing but the log file was written.
+    size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        EXPECT_EQ(entry.path().extension(), ".log");
+        ++files;
+    }
+    EXPECT_GE(files, 1u);
+}
+
+TEST(CzbLogger, DatedFolderMode) {
+    TempFolder folder;
+    // The pass's date decides the folder: make today's and tomorrow's.
+    std::vector<std::string> days;
+    std::time_t now = std::time(nullptr);
+    for (std::time_t t : {now, now + 86400}) {
+        std::tm local = *std::localtime(&t);
+        char day[40];
+        std::snprintf(day, sizeof day, "%04d%02d%02d", local.tm_year + 1900, local.tm_mon + 1,
+                      local.tm_mday);
+        days.push_back(day);
+        std::filesystem::create_directory(folder.path() / day);
+    }
+    CzbLogger logger;
+    logger.setWriteFileMode2(Text(folder.path().string()), Text("Run"), 1);
+    logger.setLog(Text("dated"));
+    logger.resetLogCount(1);
+    int found = 0;
+    for (const auto& day : days) {
+        auto file = folder.path() / day / ("Run_" + day + ".log");
+        if (std::filesystem::exists(file)) {
+            auto lines = diagtest::readLines(file);
+            ASSERT_EQ(lines.size(), 1u);
+            std::smatch match;
+            ASSERT_TRUE(std::regex_match(lines[0], match, kLine)) << lines[0];
+            EXPECT_EQ(match[1], "00000000");
+            EXPECT_EQ(match[2], "dated");
+            ++found;
+        }
+    }
+    EXPECT_EQ(found, 1);
+}
+
+TEST(CzbLogger, UnopenableFileMarksTheRecord) {
+    TempFolder folder;
+    std::string prefix = folder.file("missing") + "/Run";
+    CzbLogger logger(8, 20);
+    logger.setWriteFileMode(Text(prefix), 1);
+    logger.setLog(Text("short"));
+    logger.setLog(Text("exactly nineteen ch"));
+    waitForSaver(logger);
+    // The mark always fits its block: the text is cut to make room.
+    EXPECT_STREQ(logger.GetLogData(1)->text, "exa(File Open Fail)");
+    EXPECT_STREQ(logger.GetLogData(0)->text, "sho(File Open Fail)");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "missing"));
+
+    CzbLogger narrow(2, 10);
+    narrow.setWriteFileMode(Text(prefix), 1);
+    narrow.setLog(Text("x"));
+    waitForSaver(narrow);
+    EXPECT_STREQ(narrow.GetLogData(0)->text, "(File Ope");
+}
+
+TEST(CzbLogger, ResetWaitsForEverySavedRecord) {
+    TempFolder folder;
+    std::string prefix = folder.file("Wait");
+    CzbLogger idle;
+    idle.setLog(Text("no saver"));
+    idle.resetLogCount(1); // returns at once: no thread runs
+
+    CzbLogger logger(1000, 64);
+    logger.setWriteFileMode(Text(prefix), 40);
+    for (int i = 0; i < 300; ++i) {
+        logger.setLog(Text("line %d"), i);
+    }
+    logger.resetLogCount(1);
+    size_t lines = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        lines += diagtest::readLines(entry.path()).size();
+    }
+    EXPECT_EQ(lines, 300u);
+    EXPECT_EQ(logger.GetLogDataNum(), 0);
+
+    // A period of 0 saves without waiting between passes.
+    CzbLogger busy(64, 64);
+    busy.setWriteFileMode(Text(folder.file("Busy")), 0);
+    busy.setLog(Text("busy"));
+    busy.resetLogCount(1);
+}
+
+TEST(CzbLogger, EightWritersEveryRecordOnceInOrder) {
+    TempFolder folder;
+    const int writers = 8, perWriter = 1500;
+    {
+        CzbLogger logger(writers * perWriter, 96);
+        logger.setWriteFileMode(Text(folder.file("Load")), 1);
+        std::vector<std::thread> threads;
+        for (int t = 0; t < writers; ++t) {
+            threads.emplace_back([&logger, t] {
+                for (int i = 0; i < perWriter; ++i) {
+                    logger.setLog(Text("writer %d item %05d"), t, i);
+                }
+            });
+        }
+        for (auto& thread : threads) {
+            thread.join();
+        }
+        logger.resetLogCount(1);
+    }
+    std::vector<int> seen(writers * perWriter, 0);
+    const std::regex body("^writer (\\d) item (\\d{5})$");
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        int lastNumber = -1;
+        std::map<int, int> lastItem;
+        for (const auto& line : diagtest::readLines(entry.path())) {
+            std::smatch match;
+            ASSERT_TRUE(std::regex_match(line, match, kLine)) << line;
+            int number = std::stoi(match[1]);
+            EXPECT_GT(number, lastNumber);
+            lastNumber = number;
+            ASSERT_LT(number, writers * perWriter);
+            ++seen[number];
+            std::string text = match[2];
+            std::smatch parts;
+            ASSERT_TRUE(std::regex_match(text, parts, body)) << text;
+            int writer = std::stoi(parts[1]), item = std::stoi(parts[2]);
+            auto last = lastItem.find(writer);
+            if (last != lastItem.end()) {
+                EXPECT_GT(item, last->second);
+            }
+            lastItem[writer] = item;
+        }
+    }
+    for (int number = 0; number < writers * perWriter; ++number) {
+        ASSERT_EQ(seen[number], 1) << number;
+    }
+}
+
+TEST(CzbLogger, CopiesOwnTheirRing) {
+    CzbLogger source(4, 32);
+    for (int i = 0; i < 6; ++i) {
+        source.setLog(Text("s%d"), i);
+    }
+    CzbLogger copy(source);
+    EXPECT_NE(copy.m_logData, source.m_logData);
+    EXPECT_EQ(copy.m_threadState.load(), 0);
+    ASSERT_EQ(copy.GetLogDataNum(), 4);
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_STREQ(copy.GetLogData(i)->text, source.GetLogData(i)->text);
+        EXPECT_NE(copy.GetLogData(i)->text, source.GetLogData(i)->text);
+    }
+    source.setLog(Text("later"));
+    EXPECT_STREQ(copy.GetLogData(3)->text, "s5");
+
+    TempFolder folder;
+    CzbLogger running(8, 32);
+    running.setWriteFileMode(Text(folder.file("Copy")), 1);
+    running.setLog(Text("r"));
+    CzbLogger assigned(2, 8);
+    assigned = running;
+    EXPECT_EQ(assigned.getBufferSize(), 8);
+    EXPECT_EQ(assigned.m_threadState.load(), 0);
+    EXPECT_STREQ(assigned.GetLogData(0)->text, "r");
+    // Assigning to a logger with a saver stops that saver first.
+    running = source;
+    EXPECT_EQ(running.m_threadState.load(), 0);
+    EXPECT_EQ(running.getBufferSize(), 4);
+    EXPECT_STREQ(running.GetLogData(3)->text, "later");
+}

@@ -1,0 +1,193 @@
+#include "zbBase/diagnostics/CzbTrace.h"
+
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <regex>
+#include <thread>
+
+using diagtest::kEol;
+using diagtest::TempFolder;
+using diagtest::Text;
+
+TEST(CzbTrace, QueueModeKeepsMessagesInOrder) {
+    CzbTrace trace;
+    EXPECT_EQ(trace.m_mode.load(), CzbTrace::ModeFile);
+    trace.setTrace(Text("lost %d"), 1);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_EQ(trace.getTraceFront(), nullptr);
+
+    trace.setMode(static_cast<CzbTrace::Mode>(7));
+    trace.setTrace(Text("one %d"), 1);
+    trace.setTrace(Text("two"));
+    trace.setTrace(Text("three"));
+    EXPECT_EQ(trace.getTraceNum(), 3);
+    EXPECT_STREQ(trace.getTraceFront(), "one 1");
+    EXPECT_STREQ(trace.getTraceFront(), "one 1");
+
+    char buffer[512];
+    trace.getTracePop(buffer);
+    EXPECT_STREQ(buffer, "one 1");
+    EXPECT_EQ(trace.getTraceNum(), 2);
+
+    // Turning back to file mode leaves the queue as it is.
+    trace.setMode(CzbTrace::ModeFile);
+    EXPECT_EQ(trace.getTraceNum(), 2);
+    trace.clear();
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    std::memset(buffer, 'q', sizeof buffer);
+    trace.getTracePop(buffer);
+    EXPECT_EQ(buffer[0], 'q');
+
+    // A message longer than 511 characters is cut.
+    trace.setMode(CzbTrace::ModeQueue);
+    std::string longText(800, 'L');
+    trace.setTrace(Text("%s"), longText.c_str());
+    EXPECT_EQ(std::strlen(trace.getTraceFront()), 511u);
+}
+
+TEST(CzbTrace, WriteFileAppendsOrReplaces) {
+    TempFolder folder;
+    std::string name = folder.file("queue.txt");
+    diagtest::writeBytes(name, "old" + kEol);
+    CzbTrace trace;
+    trace.setMode(CzbTrace::ModeQueue);
+    trace.setTrace(Text("a"));
+    trace.setTrace(Text("b %s"), "c");
+    trace.setWriteFile(Text(name), false);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_EQ(diagtest::readBytes(name), "a" + kEol + "b c" + kEol);
+    trace.setTrace(Text("d"));
+    trace.setWriteFile(Text(name), true);
+    EXPECT_EQ(diagtest::readBytes(name), "a" + kEol + "b c" + kEol + "d" + kEol);
+    trace.setWriteFile(Text(name), false);
+    EXPECT_EQ(diagtest::readBytes(name), "");
+
+    // A file that cannot be opened leaves the queue as it was.
+    trace.setTrace(Text("kept"));
+    trace.setWriteFile(Text(folder.file("none/x.txt")), true);
+    EXPECT_EQ(trace.getTraceNum(), 1);
+}
+
+TEST(CzbTrace, FileModeWritesOneLineEach) {
+    TempFolder folder;
+    std::string first = folder.file("first.txt");
+    std::string second = folder.file("second.txt");
+    diagtest::writeBytes(first, "earlier" + kEol);
+    diagtest::writeBytes(second, "keep" + kEol);
+
+    CzbTrace trace;
+    EXPECT_TRUE(trace.setTraceFileName(Text(first), true));
+    EXPECT_EQ(diagtest::readBytes(first), "");
+    trace.setTrace(Text("x=%d"), 5);
+    trace.setTrace(Text("y"));
+    EXPECT_EQ(diagtest::readBytes(first), "x=5" + kEol + "y" + kEol);
+
+    EXPECT_FALSE(trace.setTraceFileName(Text(folder.file("none/t.txt")), true));
+    trace.setTrace(Text("z"));
+    EXPECT_EQ(diagtest::readBytes(first), "x=5" + kEol + "y" + kEol + "z" + kEol);
+
+    EXPECT_TRUE(trace.setTraceFileName(Text(second), false));
+    EXPECT_EQ(diagtest::readBytes(second), "keep" + kEol);
+    EXPECT_TRUE(trace.setTraceFileName(Text(folder.file("new.txt")), false));
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "new.txt"));
+    EXPECT_EQ(trace.getTraceNum(), 0);
+
+    CzbTrace copy(trace);
+    EXPECT_NE(copy.m_fileName, trace.m_fileName);
+    EXPECT_STREQ(copy.m_fileName, trace.m_fileName);
+    copy.setTrace(Text("from copy"));
+    EXPECT_EQ(diagtest::readBytes(folder.path() / "new.txt"), "from copy" + kEol);
+}
+
+TEST(CzbTrace, CopiesOwnTheirTexts) {
+    CzbTrace source;
+    source.setMode(CzbTrace::ModeQueue);
+    source.setTrace(Text("q1"));
+    source.setTrace(Text("q2"));
+    CzbTrace copy(source);
+    ASSERT_EQ(copy.getTraceNum(), 2);
+    EXPECT_NE(copy.getTraceFront(), source.getTraceFront());
+    EXPECT_STREQ(copy.getTraceFront(), "q1");
+    CzbTrace assigned;
+    assigned.setMode(CzbTrace::ModeQueue);
+    assigned.setTrace(Text("dropped"));
+    assigned = source;
+    CzbTrace& alias = assigned;
+    assigned = alias;
+    source.clear();
+    char buffer[512];
+    assigned.getTracePop(buffer);
+    EXPECT_STREQ(buffer, "q1");
+    EXPECT_EQ(assigned.getTraceNum(), 1);
+    EXPECT_EQ(copy.getTraceNum(), 2);
+    EXPECT_EQ(assigned.m_mode.load(), CzbTrace::ModeQueue);
+}
+
+TEST(CzbTrace, ThreadsWriteWholeLines) {
+    TempFolder folder;
+    std::string name = folder.file("threads.txt");
+    CzbTrace trace;
+    ASSERT_TRUE(trace.setTraceFileName(Text(name), true));
+    const int threads = 4, perThread = 150;
+    std::vector<std::thread> workers;
+    for (int t = 0; t < threads; ++t) {
+        workers.emplace_back([&trace, t] {
+            for (int i = 0; i < perThread; ++i) {
+                trace.setTrace(Text("thread %d line %03d"), t, i);
+            }
+        });
+    }
+    for (auto& worker : workers) {
+        worker.join();
+    }
+    auto lines = diagtest::readLines(name);
+    ASSERT_EQ(lines.size(), static_cast<size_t>(threads * perThread));
+    std::map<int, int> next;
+    const std::regex form("^thread (\\d) line (\\d{3})$");
+    for (const auto& line : lines) {
+        std::smatch match;
+        ASSERT_TRUE(std::regex_match(line, match, form)) << line;
+        int t = std::stoi(match[1]);
+        EXPECT_EQ(std::stoi(match[2]), next[t]++);
+    }
+}
+
+TEST(CzbTrace, ProcessWideTraceWithDateTime) {
+    CzbTrace* instance = CzbTraceExt::getInstance();
+    EXPECT_EQ(instance, &CzbTraceExt::m_Instance);
+    EXPECT_EQ(CzbTraceExt::getInstance(), instance);
+
+    instance->setMode(CzbTrace::ModeQueue);
+    CzbTraceExt::setTraceWithDateTime(Text("value %d"), 42);
+    ASSERT_EQ(instance->getTraceNum(), 1);
+    const std::regex stamped("^\\d{14} : value 42$");
+    EXPECT_TRUE(std::regex_match(std::string(instance->getTraceFront()), stamped))
+        << instance->getTraceFront();
+    instance->clear();
+
+    const int threads = 4, perThread = 100;
+    std::vector<std::thread> workers;
+    for (int t = 0; t < threads; ++t) {
+        workers.emplace_back([t] {
+            for (int i = 0; i < perThread; ++i) {
+                CzbTraceExt::setTraceWithDateTime(Text("t%d i%d"), t, i);
+            }
+        });
+    }
+    for (auto& worker : workers) {
+        worker.join();
+    }
+    ASSERT_EQ(instance->getTraceNum(), threads * perThread);
+    const std::regex form("^(\\d{8})(\\d{6}) : t\\d i\\d+$");
+    char buffer[512];
+    while (instance->getTraceNum() > 0) {
+        instance->getTracePop(buffer);
+        std::cmatch match;
+        ASSERT_TRUE(std::regex_match(buffer, match, form)) << buffer;
+    }
+    instance->setMode(CzbTrace::ModeFile);
+}

@@ -1,0 +1,139 @@
+#include <zbBase/geodesy/CzbWGS84.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+double roundMm(double v) {
+    return std::round(v * 1000.0) / 1000.0;
+}
+
+} // namespace
+
+TEST(CzbWGS84, LocalPlaneApproximation) {
+    double x = -1, y = -1;
+    CzbWGS84::Bessel2TM(0.0, 13.0, 46.0, 12.0, 45.0, &x, &y);
+    EXPECT_EQ(roundMm(x), 77463.299);
+    EXPECT_EQ(roundMm(y), 111151.319);
+    double xh = -1, yh = -1;
+    CzbWGS84::Bessel2TM(1000.0, 13.0, 46.0, 12.0, 45.0, &xh, &yh);
+    EXPECT_EQ(roundMm(xh), 77475.423);
+    EXPECT_EQ(roundMm(yh), 111168.772);
+    CzbWGS84::Bessel2TM(0.0, 12.0, 45.0, 12.0, 45.0, &x, &y);
+    EXPECT_EQ(x, 0.0);
+    EXPECT_EQ(y, 0.0);
+    CzbWGS84::Bessel2TM(0.0, 11.0, 44.0, 12.0, 45.0, &x, &y);
+    EXPECT_LT(x, 0.0);
+    EXPECT_LT(y, 0.0);
+}
+
+TEST(CzbWGS84, GaussKruegerWorkedValues) {
+    double x = -1, y = -1;
+    CzbWGS84::_Bessel2TM(12.5, 45.5, 12.0, 46.0, &x, &y);
+    EXPECT_EQ(roundMm(x), 39074.291);
+    EXPECT_EQ(roundMm(y), -55445.425);
+    double lon = 0, lat = 0;
+    CzbWGS84::_TM2Bessel(x, y, 12.0, 46.0, &lon, &lat);
+    EXPECT_NEAR(lon, 12.5, 1e-9);
+    EXPECT_NEAR(lat, 45.5, 1e-9);
+    // From the printed millimetre figures the way back is a few 1e-9 degrees off.
+    CzbWGS84::_TM2Bessel(39074.291, -55445.425, 12.0, 46.0, &lon, &lat);
+    EXPECT_NEAR(lon, 12.5, 2e-8);
+    EXPECT_NEAR(lat, 45.5, 2e-8);
+
+    // Meridian arc from the equator to the pole.
+    CzbWGS84::_Bessel2TM(0.0, 90.0, 0.0, 0.0, &x, &y);
+    EXPECT_EQ(roundMm(y), 10000855.764);
+    CzbWGS84::_Bessel2TM(15.0, 50.0, 15.0, 0.0, &x, &y);
+    EXPECT_EQ(x, 0.0);
+    EXPECT_GT(y, 5500000.0);
+
+    // The origin itself, both ways, for origins used in turn.
+    const double origins[][2] = {
+        {12.0, 46.0}, {-75.3, -33.1}, {0.0, 0.0}, {127.9, 61.7}, {12.0, 46.0}};
+    for (const auto& o : origins) {
+        CzbWGS84::_Bessel2TM(o[0], o[1], o[0], o[1], &x, &y);
+        EXPECT_EQ(x, 0.0);
+        EXPECT_EQ(y, 0.0);
+        EXPECT_EQ(CzbWGS84::getBearing(o[0], o[1], o[0], o[1]), 0.0);
+    }
+    CzbWGS84::_TM2Bessel(0.0, 0.0, 12.0, 46.0, &lon, &lat);
+    EXPECT_NEAR(lon, 12.0, 1e-12);
+    EXPECT_NEAR(lat, 46.0, 1e-12);
+
+    // No false origin: west and south are negative.
+    CzbWGS84::_Bessel2TM(11.0, 45.0, 12.0, 46.0, &x, &y);
+    EXPECT_LT(x, 0.0);
+    EXPECT_LT(y, 0.0);
+}
+
+TEST(CzbWGS84, GaussKruegerRoundTripNearTheMeridian) {
+    const double centrals[] = {-75.0, 0.0, 9.0, 127.0};
+    double worst = 0.0;
+    for (double cm : centrals) {
+        for (double lat0 : {0.0, 38.0}) {
+            for (double lat = -70.0; lat <= 70.0; lat += 5.0) {
+                for (double dl = -3.0; dl <= 3.0; dl += 0.5) {
+                    double x, y, lon, la;
+                    CzbWGS84::_Bessel2TM(cm + dl, lat, cm, lat0, &x, &y);
+                    CzbWGS84::_TM2Bessel(x, y, cm, lat0, &lon, &la);
+                    worst = std::fmax(worst, std::fabs(lon - (cm + dl)));
+                    worst = std::fmax(worst, std::fabs(la - lat));
+                }
+            }
+        }
+    }
+    EXPECT_LT(worst, 1e-9);
+}
+
+TEST(CzbWGS84, BearingAndRangePosition) {
+    EXPECT_EQ(CzbWGS84::getBearing(12.0, 46.0, 12.0, 46.0), 0.0);
+    const double east = CzbWGS84::getBearing(13.0, 46.0, 12.0, 46.0);
+    EXPECT_NEAR(east, 89.64, 0.005);
+    EXPECT_LT(east, 90.0);
+    EXPECT_NEAR(CzbWGS84::getBearing(12.0, 47.0, 12.0, 46.0), 0.0, 1e-12);
+    EXPECT_NEAR(CzbWGS84::getBearing(12.0, 45.0, 12.0, 46.0), 180.0, 1e-12);
+    EXPECT_GT(CzbWGS84::getBearing(11.0, 46.0, 12.0, 46.0), 270.0);
+
+    double lon = 0, lat = 0;
+    CzbWGS84::getRangePosition(123.0, 0.0, 12.0, 46.0, &lon, &lat);
+    EXPECT_NEAR(lon, 12.0, 1e-12);
+    EXPECT_NEAR(lat, 46.0, 1e-12);
+
+    // Range position and bearing undo each other.
+    for (double bearing = 5.0; bearing < 360.0; bearing += 35.0) {
+        for (double range : {100.0, 25000.0, 150000.0}) {
+            CzbWGS84::getRangePosition(bearing, range, 12.0, 46.0, &lon, &lat);
+            EXPECT_NEAR(CzbWGS84::getBearing(lon, lat, 12.0, 46.0), bearing, 1e-7)
+                << bearing << " " << range;
+            double x, y;
+            CzbWGS84::_Bessel2TM(lon, lat, 12.0, 46.0, &x, &y);
+            EXPECT_NEAR(std::hypot(x, y), range, 1e-3);
+        }
+    }
+}
+
+TEST(CzbWGS84, NonFiniteInputEndsAtOnce) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    const double inputs[][4] = {{nan, 0, 12, 46}, {0, nan, 12, 46}, {0, 0, nan, 46},
+                                {0, 0, 12, nan},  {0, inf, 12, 46}, {-inf, 0, 12, 46}};
+    for (const auto& in : inputs) {
+        double lon = 0, lat = 0;
+        CzbWGS84::_TM2Bessel(in[0], in[1], in[2], in[3], &lon, &lat);
+        EXPECT_TRUE(std::isnan(lon));
+        EXPECT_TRUE(std::isnan(lat));
+    }
+    double lon = 0, lat = 0;
+    CzbWGS84::getRangePosition(nan, 1000.0, 12.0, 46.0, &lon, &lat);
+    EXPECT_TRUE(std::isnan(lat));
+    // Far outside the series' domain the iteration still ends.
+    CzbWGS84::_TM2Bessel(1e9, 1e12, 12.0, 46.0, &lon, &lat);
+    CzbWGS84::_TM2Bessel(1e300, -1e300, 12.0, 46.0, &lon, &lat);
+    CzbWGS84 object;
+    CzbWGS84 copy(object);
+    copy = object;
+}

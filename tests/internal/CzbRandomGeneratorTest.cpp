@@ -1,0 +1,90 @@
+// The generator behind CzbRandom: the Windows runtime's sequence and range on every
+// platform, one state per thread, so that Gaussian draws repeat for a seed.
+#include "zbBase/numeric/CzbRandom.h"
+#include "zbBase/platform/detail/zbpRand.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <thread>
+#include <vector>
+
+using zbBase::CzbRandom;
+
+TEST(CzbRandomGenerator, WindowsRuntimeSequence) {
+    zbp::srand(1);
+    const int expect[] = {41, 18467, 6334, 26500, 19169, 15724, 11478, 29358};
+    for (int e : expect) {
+        EXPECT_EQ(zbp::rand(), e);
+    }
+    zbp::srand(0xFFFFFFFFu);
+    for (int i = 0; i < 10000; ++i) {
+        const int r = zbp::rand();
+        ASSERT_GE(r, 0);
+        ASSERT_LE(r, 32767);
+    }
+}
+
+TEST(CzbRandomGenerator, GaussianRepeatsForASeed) {
+    CzbRandom g;
+    zbp::srand(12345);
+    const double a = g.Gaussian(2.0f, 10.0f);
+    const double b = g.Gaussian(2.0f, 10.0f);
+    zbp::srand(12345);
+    EXPECT_EQ(g.Gaussian(2.0f, 10.0f), a);
+    EXPECT_EQ(g.Gaussian(2.0f, 10.0f), b);
+    // A run consumes exactly 200 values of the generator.
+    zbp::srand(777);
+    g.Gaussian(1.0f, 0.0f);
+    const int next = zbp::rand();
+    zbp::srand(777);
+    for (int i = 0; i < 200; ++i) {
+        zbp::rand();
+    }
+    EXPECT_EQ(zbp::rand(), next);
+    // The same figures on every platform (terms cut to whole millionths).
+    EXPECT_NEAR(a, 8.562293, 1e-9);
+    EXPECT_NEAR(b, 8.823466, 1e-9);
+}
+
+TEST(CzbRandomGenerator, GaussianKeepsTheSumFinite) {
+    CzbRandom g;
+    // Seed 0 gives a first draw of 38; look for a seed whose first draw is 0 instead.
+    unsigned seed = 0;
+    for (unsigned s = 0; s < 2000000; ++s) {
+        zbp::srand(s);
+        if (zbp::rand() == 0) {
+            seed = s;
+            break;
+        }
+    }
+    zbp::srand(seed);
+    const double r = g.Gaussian(0.0f, 5.0f);
+    EXPECT_NEAR(r, 4.95, 1e-9); // the infinite first term is left out
+    // Terms too large for whole millionths in an int are left out too.
+    zbp::srand(1);
+    EXPECT_EQ(g.Gaussian(0.0f, 300000.0f), 0.0);
+    zbp::srand(1);
+    const double big = g.Gaussian(1e9f, 0.0f);
+    EXPECT_TRUE(std::isfinite(big));
+}
+
+TEST(CzbRandomGenerator, OneStatePerThread) {
+    std::vector<int> first(8), second(8);
+    auto draw = [](std::vector<int>* out) {
+        zbp::srand(99);
+        for (int& v : *out) {
+            v = zbp::rand();
+        }
+    };
+    std::thread t1(draw, &first);
+    std::thread t2(draw, &second);
+    t1.join();
+    t2.join();
+    EXPECT_EQ(first, second);
+    // A new thread starts as if seeded with 1.
+    int firstDraw = -1;
+    std::thread t3([&firstDraw] { firstDraw = zbp::rand(); });
+    t3.join();
+    EXPECT_EQ(firstDraw, 41);
+}

@@ -1,0 +1,285 @@
+#include <zbBase/simulation/CzbTimeManagerAdv.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+using zbBase::CzbTimeManager;
+using zbBase::CzbTimeManagerAdv;
+
+namespace {
+
+// Messages with whether they came on the thread that made the recorder.
+class Recorder {
+public:
+    struct Entry {
+        int message;
+        bool onHostThread;
+    };
+
+    static void callback(int message, void* user) {
+        Recorder* self = static_cast<Recorder*>(user);
+        std::lock_guard<std::mutex> lock(self->m_mutex);
+        self->m_entries.push_back({message, std::this_thread::get_id() == self->m_host});
+    }
+
+    std::vector<Entry> entries() {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_entries;
+    }
+    int count(int message) {
+        int n = 0;
+        for (const Entry& e : entries()) {
+            n += e.message == message ? 1 : 0;
+        }
+        return n;
+    }
+    void clear() {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_entries.clear();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<Entry> m_entries;
+    std::thread::id m_host = std::this_thread::get_id();
+};
+
+void sleepMs(int ms) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
+
+// Polls for up to 20 s, so that a slow or instrumented run never fails on time alone.
+template <class Pred> bool waitFor(Pred pred) {
+    for (int i = 0; i < 4000; ++i) {
+        if (pred()) {
+            return true;
+        }
+        sleepMs(5);
+    }
+    return pred();
+}
+
+} // namespace
+
+TEST(CzbTimeManagerAdv, PlayerStartsAndTicksWhilePlaying) {
+    Recorder rec; // outlives the clock and its player
+    CzbTimeManagerAdv clock;
+    EXPECT_EQ(clock.m_endTime, -1.0);
+    EXPECT_FALSE(clock.m_inCallback);
+    ASSERT_TRUE(waitFor([&] { return clock.m_threadState == 1; }));
+
+    clock.setMsgCallbackFunc(Recorder::callback, &rec);
+    sleepMs(100);
+    EXPECT_EQ(rec.count(3), 0); // no ticks while stopped
+    clock.SetPlay();
+    ASSERT_TRUE(waitFor([&] { return rec.count(3) >= 3; }));
+    clock.SetPlay(); // while playing: no message, no restart
+    clock.SetPause();
+    sleepMs(100); // a last tick may still come after the pause
+    const int ticks = rec.count(3);
+    sleepMs(200);
+    EXPECT_EQ(rec.count(3), ticks);
+
+    std::vector<Recorder::Entry> e = rec.entries();
+    ASSERT_GE(e.size(), 5u);
+    EXPECT_EQ(e[0].message, 0);
+    EXPECT_TRUE(e[0].onHostThread);
+    int pauses = 0;
+    for (size_t i = 1; i < e.size(); ++i) {
+        if (e[i].message == 3) {
+            EXPECT_FALSE(e[i].onHostThread);
+        } else {
+            EXPECT_EQ(e[i].message, 2);
+            EXPECT_TRUE(e[i].onHostThread);
+            ++pauses;
+        }
+    }
+    EXPECT_EQ(pauses, 1);
+    EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Pause);
+
+    rec.clear();
+    clock.SetTime(2000);
+    ASSERT_EQ(rec.entries().size(), 1u);
+    EXPECT_EQ(rec.entries()[0].message, 5);
+    EXPECT_EQ(clock.GetTime(0), 2.0);
+    clock.SetPlay(); // from a pause: goes on, no restart
+    EXPECT_GE(clock.GetTime(0), 2.0);
+}
+
+TEST(CzbTimeManagerAdv, RunEndsExactlyAtEndTimeAndRestarts) {
+    Recorder rec;
+    CzbTimeManagerAdv clock;
+    clock.setMsgCallbackFunc(Recorder::callback, &rec);
+    clock.m_endTime = 0.5;
+    clock.SetSpeedRate(5.0);
+    clock.SetPlay();
+    ASSERT_TRUE(waitFor([&] { return rec.count(4) == 1; }));
+    sleepMs(200);
+    EXPECT_EQ(rec.count(4), 1);
+    EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Pause);
+    EXPECT_EQ(clock.GetTime(0), 0.5);
+    EXPECT_GE(clock.m_baseTime, 0.5);
+
+    std::vector<Recorder::Entry> e = rec.entries();
+    EXPECT_EQ(e.front().message, 0);
+    EXPECT_EQ(e.back().message, 4);
+    EXPECT_FALSE(e.back().onHostThread);
+
+    rec.clear();
+    clock.m_endTime = 100.0;
+    clock.m_endTime = 0.5; // a plain write, as hosts do
+    clock.SetPlay();       // from the end: stop, then play from 0
+    e = rec.entries();
+    ASSERT_GE(e.size(), 2u);
+    EXPECT_EQ(e[0].message, 1);
+    EXPECT_EQ(e[1].message, 0);
+    EXPECT_LT(clock.GetTime(0), 0.5);
+    ASSERT_TRUE(waitFor([&] { return rec.count(4) == 1; }));
+
+    // A time set past the end fires the end at the next pass, whatever the mode.
+    rec.clear();
+    clock.SetStop();
+    clock.SetTime(7000);
+    ASSERT_TRUE(waitFor([&] { return rec.count(4) == 1; }));
+    EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Pause);
+    EXPECT_EQ(clock.GetTime(0), 0.5);
+}
+
+namespace {
+// Reads the time inside the end message, as a host that logs its final time does.
+struct EndReader {
+    std::atomic<int> ends{0};
+    std::atomic<bool> playingDuringEnd{false};
+    std::atomic<double> readDuringEnd{0.0};
+    CzbTimeManagerAdv clock; // last, so that it and its player go first
+};
+
+void readTimeOnEnd(int message, void* user) {
+    EndReader* r = static_cast<EndReader*>(user);
+    if (message == 4) {
+        r->playingDuringEnd = r->clock.GetPlayMode() == CzbTimeManager::Play;
+        r->readDuringEnd = r->clock.GetTime(0);
+        r->ends += 1;
+    }
+}
+} // namespace
+
+TEST(CzbTimeManagerAdv, EndComesOnceEvenWhenTheCallbackReadsTheTime) {
+    EndReader r;
+    r.clock.setMsgCallbackFunc(readTimeOnEnd, &r);
+    r.clock.m_endTime = 0.2;
+    r.clock.SetSpeedRate(4.0);
+    r.clock.SetPlay();
+    ASSERT_TRUE(waitFor([&] { return r.ends == 1; }));
+    sleepMs(200);
+    EXPECT_EQ(r.ends, 1);
+    EXPECT_TRUE(r.playingDuringEnd);
+    EXPECT_GT(r.readDuringEnd, 0.2); // the time really reached
+    EXPECT_EQ(r.clock.GetPlayMode(), CzbTimeManager::Pause);
+    EXPECT_EQ(r.clock.GetTime(0), 0.2);
+}
+
+TEST(CzbTimeManagerAdv, NoEndTestUnlessEndTimeIsPositive) {
+    for (double end : {-1.0, 0.0}) {
+        Recorder rec;
+        CzbTimeManagerAdv clock;
+        clock.setMsgCallbackFunc(Recorder::callback, &rec);
+        clock.m_endTime = end;
+        clock.SetTime(5000);
+        clock.SetPlay();
+        ASSERT_TRUE(waitFor([&] { return rec.count(3) >= 3; }));
+        EXPECT_EQ(rec.count(4), 0);
+        EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Play);
+    }
+}
+
+TEST(CzbTimeManagerAdv, CopyHasNoPlayer) {
+    CzbTimeManagerAdv clock;
+    ASSERT_TRUE(waitFor([&] { return clock.m_threadState == 1; }));
+    clock.m_endTime = 1000.0;
+    clock.SetPlay();
+
+    CzbTimeManagerAdv copy(clock);
+    EXPECT_EQ(copy.m_threadState, 1);
+    EXPECT_EQ(copy.GetPlayMode(), CzbTimeManager::Play);
+    EXPECT_EQ(copy.m_startCount, clock.m_startCount.load());
+    EXPECT_EQ(copy.m_endTime, 1000.0);
+    Recorder rec;
+    copy.setMsgCallbackFunc(Recorder::callback, &rec);
+    copy.m_endTime = 0.001;
+    sleepMs(200);
+    EXPECT_TRUE(rec.entries().empty()); // no ticks, no end test
+
+    // Assigning a stopped state makes the target's own player leave.
+    CzbTimeManagerAdv target;
+    ASSERT_TRUE(waitFor([&] { return target.m_threadState == 1; }));
+    CzbTimeManagerAdv idle(clock);
+    idle.m_threadState = 0;
+    target = idle;
+    EXPECT_EQ(target.GetPlayMode(), CzbTimeManager::Play);
+    EXPECT_TRUE(waitFor([&] { return target.m_threadState == 0; }));
+}
+
+TEST(CzbTimeManagerAdv, HostCanEndThePlayer) {
+    CzbTimeManagerAdv clock;
+    ASSERT_TRUE(waitFor([&] { return clock.m_threadState == 1; }));
+    clock.m_threadState = 5;
+    EXPECT_TRUE(waitFor([&] { return clock.m_threadState == 0; }));
+}
+
+TEST(CzbTimeManagerAdv, ConstructAndDestroyWhilePlaying) {
+    for (int i = 0; i < 30; ++i) {
+        Recorder rec;
+        {
+            CzbTimeManagerAdv clock;
+            clock.setMsgCallbackFunc(Recorder::callback, &rec);
+            clock.m_endTime = (i % 3 == 0) ? 0.001 : 100.0;
+            clock.SetPlay();
+            if (i % 2 == 0) {
+                sleepMs(i % 7);
+            }
+        }
+        const size_t after = rec.entries().size();
+        sleepMs(i % 5);
+        EXPECT_EQ(rec.entries().size(), after); // nothing arrives after destruction
+    }
+}
+
+namespace {
+struct SelfDestroy {
+    CzbTimeManagerAdv* clock;
+    int onMessage;
+    std::atomic<bool> hostDone{false}; // the host no longer touches the clock
+    std::atomic<bool> done{false};
+};
+
+void destroyOnMessage(int message, void* user) {
+    SelfDestroy* s = static_cast<SelfDestroy*>(user);
+    if (message == s->onMessage && s->hostDone && !s->done) {
+        delete s->clock;
+        s->done = true;
+    }
+}
+} // namespace
+
+TEST(CzbTimeManagerAdv, DestroyedFromItsOwnCallbackOnThePlayer) {
+    for (int code : {3, 4}) {
+        SelfDestroy s;
+        s.onMessage = code;
+        s.clock = new CzbTimeManagerAdv;
+        s.clock->setMsgCallbackFunc(destroyOnMessage, &s);
+        s.clock->SetPlay();
+        s.hostDone = true;
+        if (code == 4) {
+            // The last touch: the end, and so the message that destroys the clock, follows it.
+            s.clock->m_endTime = 0.05;
+        }
+        ASSERT_TRUE(waitFor([&] { return s.done.load(); }));
+        sleepMs(100); // the player leaves without touching the freed object
+    }
+}

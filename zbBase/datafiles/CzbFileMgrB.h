@@ -1,0 +1,67 @@
+// CzbFileMgrB: a binary file of one fixed-size head followed by fixed-size body records.
+//
+// File: the head (m_headSize bytes) at offset 0, body i at m_headSize + i * m_bodySize, and
+// nothing else: no magic number, no count, no sizes. A reader sets the writer's two sizes with
+// SetDataSize before OpenFile; a mismatch cannot be detected. Records are opaque bytes.
+//
+// The write side (SetHead, AddBody, MakeFile) and the read side (OpenFile, GetHeadData,
+// GetBodyData, MoveNext) are kept apart. Every block is a heap copy owned by the object;
+// blocks of the read side are lent until ClearReadBuffer, OpenFile, SetDataSize or the
+// destructor. Copies duplicate every block. Both sizes stay below 2^31.
+//
+// The class has no lock: an object belongs to one thread at a time.
+#pragma once
+
+#include "zbBase/numeric/zbExport.h"
+
+#include <stdint.h>
+#include <vector>
+
+namespace zbBase {
+
+class ZB_API CzbFileMgrB {
+public:
+    CzbFileMgrB();
+    CzbFileMgrB(const CzbFileMgrB& other);
+    CzbFileMgrB& operator=(const CzbFileMgrB& other);
+    ~CzbFileMgrB();
+
+    // Drops both sides, then takes the two sizes.
+    void SetDataSize(unsigned int headSize, unsigned int bodySize);
+    // Copies m_headSize bytes as the head to write (replacing an earlier one); false, with
+    // nothing done, when the head size is 0.
+    bool SetHead(void* data);
+    // Copies m_bodySize bytes as the next body to write; always true.
+    bool AddBody(void* data);
+    // Writes the head (zero bytes when none was set) and every body, in binary mode, replacing
+    // the file. A file that cannot be created is not written; nothing is reported.
+    void MakeFile(char* path);
+    // Drops the read side, then reads the file. The head is kept when the file holds all of
+    // it, each body that the file holds whole, in file order; a partial last body is left
+    // out, and a body size of 0 gives no bodies. false when the file cannot be opened or is
+    // empty, true otherwise (even when it is shorter than the head).
+    bool OpenFile(char* path);
+
+    // The head as read, or null.
+    void* GetHeadData();
+    // The body at the cursor, or null when there is none.
+    void* GetBodyData();
+    // The next cursor, wrapping to 0 after the last body; 0 means the walk has come round.
+    int MoveNext();
+
+    void ClearReadBuffer();
+    void ClearWriteBuffer();
+
+    uint32_t m_headSize;
+    uint32_t m_bodySize;
+    char* m_writeHead;
+    std::vector<char*> m_writeBodies;
+    int32_t m_cursor;
+    char* m_readHead;
+    std::vector<char*> m_readBodies;
+
+private:
+    void copyFrom(const CzbFileMgrB& other);
+};
+
+} // namespace zbBase

@@ -1,0 +1,266 @@
+#include "zbBase/diagnostics/CzbLogger.h"
+
+#include "zbBase/platform/detail/zbpClock.h"
+#include "zbBase/platform/detail/zbpThread.h"
+
+#include <stdarg.h>
+#include <string.h>
+
+namespace {
+
+const int kMessageBytes = 512;
+const DWORD kSpinCount = 4000;
+
+void copyName(char (&dst)[256], const char* text) {
+    if (text == nullptr) {
+        dst[0] = '\0';
+        return;
+    }
+    size_t n = strnlen(text, sizeof dst - 1);
+    memcpy(dst, text, n);
+    dst[n] = '\0';
+}
+
+// Copies text into dst of `bytes` bytes, cut and terminated.
+void copyCut(char* dst, size_t bytes, const char* text) {
+    size_t n = strnlen(text, bytes - 1);
+    memcpy(dst, text, n);
+    dst[n] = '\0';
+}
+
+CzbLogger::_LoggerData* makeRing(int count, int textBytes) {
+    CzbLogger::_LoggerData* ring = new CzbLogger::_LoggerData[count]();
+    int made = 0;
+    try {
+        for (; made < count; ++made) {
+            ring[made].text = new char[textBytes]();
+        }
+    } catch (...) {
+        for (int i = 0; i < made; ++i) {
+            delete[] ring[i].text;
+        }
+        delete[] ring;
+        throw;
+    }
+    return ring;
+}
+
+void freeRing(CzbLogger::_LoggerData* ring, int count) {
+    if (ring == nullptr) {
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        delete[] ring[i].text;
+    }
+    delete[] ring;
+}
+
+} // namespace
+
+CzbLogger::CzbLogger(int bufferSize, int stringLen)
+    : m_threadState(0), m_bufferSize(bufferSize < 1 ? 1 : bufferSize),
+      m_stringLen(stringLen < 1 ? 1 : stringLen), m_logData(nullptr), m_logCount(0),
+      m_writeIndex(m_bufferSize - 1), m_saveIndex(m_bufferSize - 1), m_fileMode(0), m_folder(),
+      m_filePrefix(), m_savePeriod(0) {
+    m_logData = makeRing(m_bufferSize, m_stringLen);
+    zbp::InitializeCriticalSection(&m_lock);
+    zbp::SetCriticalSectionSpinCount(&m_lock, kSpinCount);
+}
+
+CzbLogger::CzbLogger(const CzbLogger& other)
+    : m_threadState(0), m_bufferSize(other.m_bufferSize), m_stringLen(other.m_stringLen),
+      m_logData(nullptr), m_logCount(0), m_writeIndex(0), m_saveIndex(0),
+      m_fileMode(other.m_fileMode), m_folder(), m_filePrefix(), m_savePeriod(other.m_savePeriod) {
+    memcpy(m_folder, other.m_folder, sizeof m_folder);
+    memcpy(m_filePrefix, other.m_filePrefix, sizeof m_filePrefix);
+    m_logData = makeRing(m_bufferSize, m_stringLen);
+    copyRingFrom(other);
+    zbp::InitializeCriticalSection(&m_lock);
+    zbp::SetCriticalSectionSpinCount(&m_lock, kSpinCount);
+}
+
+CzbLogger::~CzbLogger() {
+    stopSaver();
+    zbp::EnterCriticalSection(&m_lock);
+    freeRing(m_logData, m_bufferSize);
+    m_logData = nullptr;
+    zbp::LeaveCriticalSection(&m_lock);
+    zbp::DeleteCriticalSection(&m_lock);
+}
+
+CzbLogger& CzbLogger::operator=(const CzbLogger& other) {
+    if (this == &other) {
+        return *this;
+    }
+    stopSaver();
+    // The new ring is filled under the source's lock and put in place under ours, so that no
+    // lock is taken under the other.
+    CzbLogger copy(other);
+    zbp::CriticalSectionGuard guard(&m_lock);
+    _LoggerData* oldRing = m_logData;
+    int oldSize = m_bufferSize;
+    m_bufferSize = copy.m_bufferSize;
+    m_stringLen = copy.m_stringLen;
+    m_logData = copy.m_logData;
+    copy.m_logData = oldRing;
+    copy.m_bufferSize = oldSize;
+    m_logCount.store(copy.m_logCount.load());
+    m_writeIndex.store(copy.m_writeIndex.load());
+    m_saveIndex.store(copy.m_saveIndex.load());
+    m_fileMode = copy.m_fileMode;
+    memcpy(m_folder, copy.m_folder, sizeof m_folder);
+    memcpy(m_filePrefix, copy.m_filePrefix, sizeof m_filePrefix);
+    m_savePeriod = copy.m_savePeriod;
+    return *this;
+}
+
+void CzbLogger::copyRingFrom(const CzbLogger& other) {
+    zbp::CriticalSectionGuard guard(const_cast<CRITICAL_SECTION*>(&other.m_lock));
+    for (int i = 0; i < m_bufferSize; ++i) {
+        char* text = m_logData[i].text;
+        m_logData[i] = other.m_logData[i];
+        m_logData[i].text = text;
+        memcpy(text, other.m_logData[i].text, static_cast<size_t>(m_stringLen));
+    }
+    m_logCount.store(other.m_logCount.load());
+    m_writeIndex.store(other.m_writeIndex.load());
+    m_saveIndex.store(other.m_saveIndex.load());
+}
+
+void CzbLogger::startSaver() {
+    m_threadState.store(1);
+    if (zbp::_beginthread(&CzbLogger::threadLogFileSave, 0, this) == static_cast<uintptr_t>(-1)) {
+        m_threadState.store(0);
+    }
+}
+
+void CzbLogger::stopSaver() {
+    int running = 1;
+    if (!m_threadState.compare_exchange_strong(running, 2)) {
+        return;
+    }
+    while (m_threadState.load() != 0) {
+        zbp::Sleep(1);
+    }
+}
+
+void CzbLogger::setWriteFileMode(char* prefix, int period) {
+    // A saver already running keeps the settings it was started with.
+    if (m_threadState.load() != 0) {
+        return;
+    }
+    copyName(m_filePrefix, prefix);
+    m_savePeriod = period;
+    m_fileMode = 0;
+    startSaver();
+}
+
+void CzbLogger::setWriteFileMode2(char* folder, char* prefix, int period) {
+    if (m_threadState.load() != 0) {
+        return;
+    }
+    copyName(m_folder, folder);
+    copyName(m_filePrefix, prefix);
+    m_savePeriod = period;
+    m_fileMode = 1;
+    startSaver();
+}
+
+void CzbLogger::setLog(char* format, ...) {
+    char message[kMessageBytes];
+    va_list args;
+    va_start(args, format);
+    int formatted = vsnprintf(message, sizeof message, format, args);
+    va_end(args);
+    if (formatted < 0) {
+        message[0] = '\0';
+    }
+    size_t length = strnlen(message, sizeof message - 1);
+    if (length > static_cast<size_t>(m_stringLen - 1)) {
+        length = static_cast<size_t>(m_stringLen - 1);
+    }
+    SYSTEMTIME now;
+    zbp::GetLocalTime(&now);
+
+    zbp::CriticalSectionGuard guard(&m_lock);
+    int slot = (m_writeIndex.load(std::memory_order_relaxed) + 1) % m_bufferSize;
+    _LoggerData& record = m_logData[slot];
+    int number = m_logCount.load(std::memory_order_relaxed);
+    record.number = number;
+    record.level = 0;
+    record.time = now;
+    memcpy(record.text, message, length);
+    record.text[length] = '\0';
+    m_logCount.store(number + 1, std::memory_order_release);
+    m_writeIndex.store(slot, std::memory_order_release);
+}
+
+void CzbLogger::getDateTime(char* date, char* time) {
+    SYSTEMTIME now;
+    zbp::GetLocalTime(&now);
+    char text[64];
+    snprintf(text, sizeof text, "%02d/%02d/%02d", now.wYear % 100, now.wMonth, now.wDay);
+    copyCut(date, 9, text);
+    snprintf(text, sizeof text, "%02d:%02d:%02d.%03d", now.wHour, now.wMinute, now.wSecond,
+             now.wMilliseconds);
+    copyCut(time, 13, text);
+}
+
+void CzbLogger::setLogDataToFile(FILE* file, _LoggerData* data) {
+    const SYSTEMTIME& t = data->time;
+    fprintf(file, "%08d   %02d/%02d/%02d %02d:%02d:%02d.%03d   L[%02d] %s\n", data->number,
+            t.wYear % 100, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds,
+            data->level, data->text);
+}
+
+CzbLogger::_LoggerData* CzbLogger::GetLogData(int index) {
+    if (index < 0 || index >= m_bufferSize) {
+        return nullptr;
+    }
+    if (m_logCount.load() < m_bufferSize) {
+        return &m_logData[index];
+    }
+    return &m_logData[(m_writeIndex.load() + index + 1) % m_bufferSize];
+}
+
+int CzbLogger::GetLogDataNum() {
+    int count = m_logCount.load();
+    return count < m_bufferSize ? count : m_bufferSize;
+}
+
+int CzbLogger::getBufferSize() {
+    return m_bufferSize;
+}
+
+int CzbLogger::getLogStringLen() {
+    return m_stringLen;
+}
+
+void CzbLogger::resetLogCount(int wait) {
+    if (wait != 0) {
+        while (m_threadState.load() == 1 && m_saveIndex.load() != m_writeIndex.load()) {
+            zbp::Sleep(1);
+        }
+    }
+    zbp::CriticalSectionGuard guard(&m_lock);
+    m_logCount.store(0);
+    m_writeIndex.store(m_bufferSize - 1);
+    m_saveIndex.store(m_bufferSize - 1);
+}
+
+void CzbLogger::threadLogFileSave(void* logger) {
+    CzbLogger* self = static_cast<CzbLogger*>(logger);
+    const int slice = 10;
+    while (self->m_threadState.load() == 1) {
+        self->funcLogFileSave();
+        // The period is slept in short slices so that a stop request ends the wait early.
+        int remaining = self->m_savePeriod > 0 ? self->m_savePeriod : 0;
+        do {
+            int step = remaining < slice ? remaining : slice;
+            zbp::Sleep(static_cast<DWORD>(step));
+            remaining -= step;
+        } while (remaining > 0 && self->m_threadState.load() == 1);
+    }
+    // The object may be gone as soon as this store is seen.
+    self->m_threadState.store(0);
+}
