@@ -1,8 +1,8 @@
 #include "zbBase/filesystem/zbPathFileUtil.h"
 
+#include "zbBase/platform/detail/zbpFileIO.h"
 #include "zbBase/platform/detail/zbpFileOps.h"
 #include "zbBase/platform/detail/zbpFind.h"
-#include "zbBase/platform/detail/zbpPath.h"
 
 #include <stdio.h>
 #include <string.h>
@@ -17,10 +17,6 @@ const size_t kDriveSize = 16;   // parts of a split path
 const size_t kPartSize = 256;   // directory, file name, extension
 const size_t kFolderSize = 256; // working copy in CreateFolder
 
-FILE* openFile(const char* path, const char* mode) {
-    return fopen(zbp::toNativePath(path).c_str(), mode);
-}
-
 // The copy loop of CopytoFile on two open files; closes both.
 void copyAndClose(FILE* in, FILE* out) {
     char block[kBlockSize];
@@ -33,7 +29,7 @@ void copyAndClose(FILE* in, FILE* out) {
 }
 
 bool copyFile(const char* source, const char* target) {
-    FILE* in = openFile(source, "rb");
+    FILE* in = zbp::fopen(source, "rb");
     if (in == nullptr) {
         return false;
     }
@@ -42,7 +38,7 @@ bool copyFile(const char* source, const char* target) {
         fclose(in);
         return true;
     }
-    FILE* out = openFile(target, "wb");
+    FILE* out = zbp::fopen(target, "wb");
     if (out == nullptr) {
         fclose(in);
         return false;
