@@ -27,6 +27,9 @@
 #include "zbBase/datafiles/CzbFileMgrB.h"
 #include "zbBase/datafiles/CzbStringT.h"
 
+#include "zbBase/filesystem/CzbFileUtil.h"
+#include "zbBase/filesystem/zbPathFileUtil.h"
+
 #include "zbBase/diagnostics/CzbLogger.h"
 #include "zbBase/diagnostics/CzbString.h"
 #include "zbBase/diagnostics/CzbText.h"

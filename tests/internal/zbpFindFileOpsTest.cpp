@@ -1,0 +1,208 @@
+// The listing, splitting and file operations of the platform layer.
+#include <zbBase/platform/detail/zbpFileOps.h>
+#include <zbBase/platform/detail/zbpFind.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#if defined(_WIN32)
+#include <process.h>
+#define ZBP_TEST_PID _getpid()
+#else
+#include <unistd.h>
+#define ZBP_TEST_PID getpid()
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Folder {
+public:
+    Folder() {
+        static int counter = 0;
+        m_root = fs::temp_directory_path() /
+                 ("zbp_" + std::to_string(ZBP_TEST_PID) + "_" + std::to_string(counter++));
+        fs::remove_all(m_root);
+        fs::create_directories(m_root);
+    }
+    ~Folder() {
+        std::error_code ignored;
+        fs::remove_all(m_root, ignored);
+    }
+    // The path with backslashes, as the library hands it over.
+    std::string text(const std::string& relative) const {
+        std::string s = (m_root / relative).string();
+        for (char& c : s) {
+            if (c == '/') {
+                c = '\\';
+            }
+        }
+        return s;
+    }
+    void file(const std::string& relative, const std::string& content) const {
+        fs::create_directories((m_root / relative).parent_path());
+        std::ofstream(m_root / relative, std::ios::binary) << content;
+    }
+    fs::path path(const std::string& relative) const { return m_root / relative; }
+
+private:
+    fs::path m_root;
+};
+
+std::string read(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::vector<std::string> listing(const std::string& pattern) {
+    std::vector<std::string> names;
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(pattern.c_str(), &data);
+    if (handle == -1) {
+        return names;
+    }
+    do {
+        names.push_back(data.name);
+    } while (zbp::_findnext64(handle, &data) == 0);
+    EXPECT_EQ(errno, ENOENT);
+    zbp::_findclose(handle);
+    return names;
+}
+
+} // namespace
+
+TEST(zbpFind, WindowsWildcards) {
+    struct {
+        const char* pattern;
+        const char* name;
+        bool match;
+    } cases[] = {
+        {"*.*", "abc", true},     {"*.*", "a.b.c", true},     {"*.*", ".", true},
+        {"*", "x", true},         {"*.txt", "a.txt", true},   {"*.txt", "a.txt.bak", false},
+        {"*.TXT", "a.txt", true}, {"a?c", "abc", true},       {"a?c", "ac", false},
+        {"a.*", "a", true},       {"a*b*c", "aXbYbZc", true}, {"a*b*c", "aXbYbZ", false},
+        {"*a", "aaa", true},      {"", "a", false},           {"name", "name", true},
+        {"*x*", "", false},       {"**", "q", true},          {"?.txt", ".txt", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.pattern) + " / " + c.name);
+        EXPECT_EQ(zbp::matchWildcard(c.pattern, c.name), c.match);
+    }
+}
+
+TEST(zbpFind, ListingRecordsAndOrder) {
+    Folder folder;
+    folder.file("b.txt", "12345");
+    folder.file("A.txt", "");
+    folder.file("c", "no dot");
+    fs::create_directories(folder.path("sub"));
+    std::vector<std::string> all = listing(folder.text("*.*"));
+#if !defined(_WIN32)
+    EXPECT_EQ(all, (std::vector<std::string>{".", "..", "A.txt", "b.txt", "c", "sub"}));
+#else
+    EXPECT_EQ(all.size(), 6u);
+#endif
+    EXPECT_EQ(listing(folder.text("*.txt")).size(), 2u);
+    EXPECT_TRUE(listing(folder.text("*.zzz")).empty());
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_TRUE(listing(folder.text("missing\\*.*")).empty());
+    EXPECT_EQ(errno, ENOENT);
+    // Forward slashes work as well.
+    EXPECT_EQ(listing((folder.path("") / "b.txt").generic_string()).size(), 1u);
+
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(folder.text("b.txt").c_str(), &data);
+    ASSERT_NE(handle, -1);
+    EXPECT_EQ(data.size, 5);
+    EXPECT_EQ(data.attrib & _A_SUBDIR, 0u);
+    EXPECT_EQ(zbp::_findnext64(handle, &data), -1);
+    EXPECT_EQ(zbp::_findclose(handle), 0);
+
+    _finddata64i32_t small;
+    handle = zbp::_findfirst64i32(folder.text("sub").c_str(), &small);
+    ASSERT_NE(handle, -1);
+    EXPECT_NE(small.attrib & _A_SUBDIR, 0u);
+    EXPECT_STREQ(small.name, "sub");
+    zbp::_findclose(handle);
+
+    zbp::WIN32_FIND_DATAA win;
+    zbp::HANDLE found = zbp::FindFirstFileA(folder.text("c").c_str(), &win);
+    ASSERT_NE(found, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(win.nFileSizeLow, 6u);
+    EXPECT_EQ(win.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, 0u);
+    EXPECT_FALSE(zbp::FindNextFileA(found, &win));
+    EXPECT_TRUE(zbp::FindClose(found));
+    EXPECT_EQ(zbp::FindFirstFileA(folder.text("none").c_str(), &win), INVALID_HANDLE_VALUE);
+}
+
+TEST(zbpFind, SplitPath) {
+    char drive[_MAX_DRIVE];
+    char dir[_MAX_DIR];
+    char fname[_MAX_FNAME];
+    char ext[_MAX_EXT];
+    zbp::_splitpath("x/y\\name.tar.gz", drive, dir, fname, ext);
+    EXPECT_STREQ(drive, "");
+    EXPECT_STREQ(dir, "x/y\\");
+    EXPECT_STREQ(fname, "name.tar");
+    EXPECT_STREQ(ext, ".gz");
+    zbp::_splitpath("", drive, dir, fname, ext);
+    EXPECT_STREQ(dir, "");
+    EXPECT_STREQ(fname, "");
+    zbp::_splitpath("d.x\\noext", nullptr, dir, fname, ext);
+    EXPECT_STREQ(fname, "noext");
+    EXPECT_STREQ(ext, "");
+#if defined(_WIN32)
+    zbp::_splitpath("C:\\a\\b.c", drive, dir, fname, ext);
+    EXPECT_STREQ(drive, "C:");
+#endif
+}
+
+TEST(zbpFileOps, RenameRemoveAndCopyKeepTheWindowsRules) {
+    Folder folder;
+    folder.file("a.txt", "a");
+    folder.file("b.txt", "b");
+    fs::create_directories(folder.path("dir"));
+
+    EXPECT_EQ(zbp::rename(folder.text("a.txt").c_str(), folder.text("b.txt").c_str()), -1);
+    EXPECT_EQ(read(folder.path("b.txt")), "b");
+    EXPECT_EQ(zbp::rename(folder.text("a.txt").c_str(), folder.text("c.txt").c_str()), 0);
+    EXPECT_EQ(read(folder.path("c.txt")), "a");
+    EXPECT_EQ(zbp::rename(folder.text("dir").c_str(), (folder.text("dir2") + "\\").c_str()), 0);
+    EXPECT_TRUE(fs::is_directory(folder.path("dir2")));
+
+    EXPECT_EQ(zbp::remove(folder.text("dir2").c_str()), -1);
+    EXPECT_TRUE(fs::is_directory(folder.path("dir2")));
+    EXPECT_EQ(zbp::remove(folder.text("c.txt").c_str()), 0);
+    EXPECT_EQ(zbp::remove(folder.text("c.txt").c_str()), -1);
+
+    EXPECT_TRUE(zbp::CopyFileA(folder.text("b.txt").c_str(), folder.text("d.txt").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("d.txt")), "b");
+    folder.file("e.txt", "eee");
+    EXPECT_FALSE(zbp::CopyFileA(folder.text("e.txt").c_str(), folder.text("d.txt").c_str(), TRUE));
+    EXPECT_EQ(read(folder.path("d.txt")), "b");
+    EXPECT_TRUE(zbp::CopyFileA(folder.text("e.txt").c_str(), folder.text("d.txt").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("d.txt")), "eee");
+    EXPECT_FALSE(zbp::CopyFileA(folder.text("d.txt").c_str(), folder.text("d.txt").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("d.txt")), "eee");
+    EXPECT_FALSE(zbp::CopyFileA(folder.text("dir2").c_str(), folder.text("f").c_str(), FALSE));
+
+    EXPECT_TRUE(zbp::sameFileContent(folder.text("e.txt").c_str(), folder.text("d.txt").c_str()));
+    EXPECT_FALSE(zbp::sameFileContent(folder.text("e.txt").c_str(), folder.text("e.txt").c_str()));
+    EXPECT_FALSE(zbp::sameFileContent(folder.text("b.txt").c_str(), folder.text("d.txt").c_str()));
+    EXPECT_FALSE(zbp::sameFileContent(folder.text("b.txt").c_str(), folder.text("no").c_str()));
+    EXPECT_TRUE(zbp::sameFile(folder.text("b.txt").c_str(), folder.text("b.txt").c_str()));
+    EXPECT_FALSE(zbp::sameFile(folder.text("b.txt").c_str(), folder.text("no").c_str()));
+
+    EXPECT_EQ(zbp::_mkdir(folder.text("m").c_str()), 0);
+    EXPECT_EQ(zbp::_mkdir(folder.text("m").c_str()), -1);
+    EXPECT_TRUE(zbp::CreateDirectoryA(folder.text("n").c_str(), nullptr));
+    EXPECT_FALSE(zbp::CreateDirectoryA(folder.text("x\\y").c_str(), nullptr));
+    EXPECT_EQ(zbp::_rmdir((folder.text("m") + "\\").c_str()), 0);
+    EXPECT_FALSE(fs::exists(folder.path("m")));
+}

@@ -1,0 +1,153 @@
+// Static tree operations of CzbFileUtil: copy, move, delete and create folders.
+#include "zbBase/filesystem/CzbFileUtil.h"
+
+#include "zbBase/platform/detail/zbpFileOps.h"
+#include "zbBase/platform/detail/zbpFind.h"
+
+#include <string.h>
+#include <string>
+
+namespace {
+
+const size_t kCopyLimit = 259;      // a path built while copying
+const size_t kDeleteLimit = 511;    // a path built while deleting
+const size_t kDirectoryLimit = 255; // the argument of MakeDirectory
+
+bool isEmpty(const char* path) {
+    return path == nullptr || path[0] == '\0';
+}
+
+// Deletes from `source` each file whose twin in `target` is complete and byte-identical,
+// then each folder left empty. Folders whose names begin with a dot were not copied and
+// are not entered.
+void removeCopied(const std::string& source, const std::string& target) {
+    std::string search = source + "\\*.*";
+    if (search.size() > kCopyLimit) {
+        return;
+    }
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
+    if (handle != -1) {
+        do {
+            bool isFolder = (data.attrib & _A_SUBDIR) != 0;
+            if (isFolder && data.name[0] == '.') {
+                continue;
+            }
+            std::string from = source + "\\" + data.name;
+            std::string to = target + "\\" + data.name;
+            if (from.size() > kCopyLimit || to.size() > kCopyLimit) {
+                continue;
+            }
+            if (isFolder) {
+                removeCopied(from, to);
+            } else if (zbp::sameFileContent(from.c_str(), to.c_str())) {
+                zbp::remove(from.c_str());
+            }
+        } while (zbp::_findnext64(handle, &data) == 0);
+        zbp::_findclose(handle);
+    }
+    zbp::_rmdir((source + "\\").c_str());
+}
+
+} // namespace
+
+int CzbFileUtil::CopyFolder(char* source, char* target, bool flag) {
+    // An empty text would list the root folder.
+    if (isEmpty(source) || isEmpty(target)) {
+        return 0;
+    }
+    std::string from = source;
+    std::string to = target;
+    std::string search = from + "\\*.*";
+    if (search.size() > kCopyLimit || to.size() > kCopyLimit) {
+        return 0;
+    }
+    zbp::CreateDirectoryA(target, nullptr);
+    zbp::WIN32_FIND_DATAA data;
+    zbp::HANDLE handle = zbp::FindFirstFileA(search.c_str(), &data);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return 0;
+    }
+    do {
+        std::string fromEntry = from + "\\" + data.cFileName;
+        std::string toEntry = to + "\\" + data.cFileName;
+        if (fromEntry.size() > kCopyLimit || toEntry.size() > kCopyLimit) {
+            continue;
+        }
+        if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            zbp::CopyFileA(fromEntry.c_str(), toEntry.c_str(), FALSE);
+        } else if (data.cFileName[0] != '.') {
+            char fromText[kCopyLimit + 1];
+            char toText[kCopyLimit + 1];
+            memcpy(fromText, fromEntry.c_str(), fromEntry.size() + 1);
+            memcpy(toText, toEntry.c_str(), toEntry.size() + 1);
+            CopyFolder(fromText, toText, flag);
+        }
+    } while (zbp::FindNextFileA(handle, &data));
+    zbp::FindClose(handle);
+    return 1;
+}
+
+int CzbFileUtil::MoveFolder(char* source, char* target, bool flag) {
+    CopyFolder(source, target, flag);
+    // Only what arrived whole leaves the source, so a failed copy never costs a file.
+    if (!isEmpty(source) && !isEmpty(target)) {
+        removeCopied(source, target);
+    }
+    return 0;
+}
+
+void CzbFileUtil::DeleteFolder(char* path, bool flag) {
+    // An empty text would name the root folder.
+    if (isEmpty(path)) {
+        return;
+    }
+    std::string folder = path;
+    std::string search = folder + "\\*.*";
+    if (search.size() > kDeleteLimit) {
+        return;
+    }
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
+    if (handle != -1) {
+        do {
+            bool isFolder = (data.attrib & _A_SUBDIR) != 0;
+            if (isFolder && data.name[0] == '.') {
+                continue;
+            }
+            std::string entry = folder + "\\" + data.name;
+            if (entry.size() > kDeleteLimit) {
+                continue;
+            }
+            if (isFolder) {
+                char text[kDeleteLimit + 1];
+                memcpy(text, entry.c_str(), entry.size() + 1);
+                DeleteFolder(text, flag);
+            } else {
+                zbp::remove(entry.c_str());
+            }
+        } while (zbp::_findnext64(handle, &data) == 0);
+        zbp::_findclose(handle);
+    }
+    zbp::_rmdir((folder + "\\").c_str());
+}
+
+void CzbFileUtil::MakeDirectory(char* path) {
+    if (path == nullptr) {
+        return;
+    }
+    size_t length = strnlen(path, kDirectoryLimit + 1);
+    if (length > kDirectoryLimit) {
+        return;
+    }
+    char text[kDirectoryLimit + 1];
+    memcpy(text, path, length + 1);
+    for (size_t i = 1; i < length; ++i) {
+        if (text[i] == '\\' && text[i - 1] != ':') {
+            text[i] = '\0';
+            zbp::CreateDirectoryA(text, nullptr);
+            text[i] = '\\';
+        }
+    }
+    zbp::CreateDirectoryA(path, nullptr);
+}
