@@ -2,6 +2,8 @@
 // helpers to build trees and to speak the library's path text.
 #pragma once
 
+#include "support/zbTestFiles.h"
+
 #include <zbBase/platform/zbPlatformTypes.h>
 
 #include <gtest/gtest.h>
@@ -14,12 +16,6 @@
 #include <system_error>
 #include <vector>
 
-#if defined(_WIN32)
-#include <process.h>
-#else
-#include <unistd.h>
-#endif
-
 namespace fstest {
 
 namespace fs = std::filesystem;
@@ -31,27 +27,13 @@ inline std::string lib(const fs::path& path) {
     return text;
 }
 
-// A writable copy of a text, for the operations that take char*.
-class Text {
-public:
-    explicit Text(const std::string& text) : m_text(text.begin(), text.end()) {
-        m_text.push_back('\0');
-    }
-    operator char*() { return m_text.data(); }
-
-private:
-    std::vector<char> m_text;
-};
+using zbtest::Text;
 
 inline std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    return zbtest::readBytes(path);
 }
-
 inline void writeFile(const fs::path& path, const std::string& content) {
-    fs::create_directories(path.parent_path());
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << content;
+    zbtest::writeBytes(path, content);
 }
 
 inline std::vector<std::string> names(const std::vector<__finddata64_t>& list) {
@@ -74,34 +56,16 @@ inline void expectListed(std::vector<std::string> actual, std::vector<std::strin
 
 class TempTree {
 public:
-    TempTree() {
-        static int counter = 0;
-#if defined(_WIN32)
-        int pid = _getpid();
-#else
-        int pid = getpid();
-#endif
-        m_root = fs::temp_directory_path() /
-                 ("zbfs_" + std::to_string(pid) + "_" + std::to_string(counter++));
-        fs::remove_all(m_root);
-        fs::create_directories(m_root);
-        m_root = fs::canonical(m_root);
-        m_cwd = fs::current_path();
-    }
+    TempTree() : m_root(fs::canonical(m_folder.path())), m_cwd(fs::current_path()) {}
     ~TempTree() {
         std::error_code ignored;
         fs::current_path(m_cwd, ignored);
-        fs::remove_all(m_root, ignored);
     }
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;
 
-    const fs::path& root() const {
-        return m_root;
-    }
-    fs::path path(const std::string& relative) const {
-        return m_root / relative;
-    }
+    const fs::path& root() const { return m_root; }
+    fs::path path(const std::string& relative) const { return m_root / relative; }
     // The library's text for a path below the root.
     std::string text(const std::string& relative = "") const {
         return relative.empty() ? lib(m_root) : lib(m_root / relative);
@@ -114,11 +78,10 @@ public:
         fs::create_directories(m_root / relative);
         return m_root / relative;
     }
-    void enter(const std::string& relative = "") const {
-        fs::current_path(m_root / relative);
-    }
+    void enter(const std::string& relative = "") const { fs::current_path(m_root / relative); }
 
 private:
+    zbtest::TempFolder m_folder; // removed last, after the current folder has left it
     fs::path m_root;
     fs::path m_cwd;
 };

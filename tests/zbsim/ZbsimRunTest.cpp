@@ -1,5 +1,6 @@
 // Runs the example host zbsim end to end on a short scenario and checks what it leaves behind.
 #include "examples/zbsim/Track.h"
+#include "support/zbTestFiles.h"
 
 #include <zbBase/datafiles/CzbFileMgrB.h>
 
@@ -8,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -21,14 +21,6 @@ namespace {
 
 class ZbsimRun : public ::testing::Test {
 protected:
-    void SetUp() override {
-        static int counter = 0;
-        m_dir = fs::temp_directory_path() /
-                ("zbsim-test-" + std::to_string(getpid()) + "-" + std::to_string(++counter));
-        fs::create_directories(m_dir);
-    }
-    void TearDown() override { fs::remove_all(m_dir); }
-
     // Runs zbsim in the test folder; returns its exit code, with its error output in m_err.
     int zbsim(const std::string& args) {
         const std::string command =
@@ -38,16 +30,12 @@ protected:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
     void write(const std::string& name, const std::string& content) {
-        std::ofstream(m_dir / name) << content;
+        zbtest::writeBytes(m_dir / name, content);
     }
-    static std::string read(const fs::path& path) {
-        std::ifstream in(path, std::ios::binary);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
-    }
+    static std::string read(const fs::path& path) { return zbtest::readBytes(path); }
 
-    fs::path m_dir;
+    zbtest::TempFolder m_folder;
+    const fs::path m_dir = m_folder.path();
     std::string m_err;
 };
 
