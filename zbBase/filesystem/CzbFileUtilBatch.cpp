@@ -52,6 +52,34 @@ void renameEntry(const __finddata64_t& entry, const std::string& target,
     done.push_back(renamed);
 }
 
+// Renames each entry whose last component holds `find` to the path with it replaced.
+void renameReplaced(const std::vector<__finddata64_t>& found, const char* find, const char* replace,
+                    std::vector<__finddata64_t>& done) {
+    if (find == nullptr || replace == nullptr) {
+        return;
+    }
+    std::string target;
+    for (const __finddata64_t& entry : found) {
+        if (replacedPath(entry.name, find, replace, target)) {
+            renameEntry(entry, target, done);
+        }
+    }
+}
+
+// Renames each entry to `newName` in its own folder; `suffix` closes a folder's path.
+void renameTo(const std::vector<__finddata64_t>& found, const char* newName, const char* suffix,
+              std::vector<__finddata64_t>& done) {
+    if (newName == nullptr) {
+        return;
+    }
+    for (const __finddata64_t& entry : found) {
+        std::string target(entry.name, folderLength(entry.name));
+        target += newName;
+        target += suffix;
+        renameEntry(entry, target, done);
+    }
+}
+
 } // namespace
 
 void CzbFileUtil::DeleteFiles(char* path, bool subDir) {
@@ -65,51 +93,20 @@ void CzbFileUtil::DeleteFiles(char* path, bool subDir) {
 
 void CzbFileUtil::RenameFile(char* path, char* find, char* replace, bool subDir) {
     FindFile(path, subDir);
-    if (find == nullptr || replace == nullptr) {
-        return;
-    }
-    std::string target;
-    for (const __finddata64_t& entry : m_findData) {
-        if (replacedPath(entry.name, find, replace, target)) {
-            renameEntry(entry, target, m_processData);
-        }
-    }
+    renameReplaced(m_findData, find, replace, m_processData);
 }
 
 void CzbFileUtil::RenameFile(char* path, char* newName, bool subDir) {
     FindFile(path, subDir);
-    if (newName == nullptr) {
-        return;
-    }
-    for (const __finddata64_t& entry : m_findData) {
-        std::string target(entry.name, folderLength(entry.name));
-        target += newName;
-        renameEntry(entry, target, m_processData);
-    }
+    renameTo(m_findData, newName, "", m_processData);
 }
 
 void CzbFileUtil::RenameFolder(char* path, char* find, char* replace, bool subDir) {
     FindFolder(path, subDir);
-    if (find == nullptr || replace == nullptr) {
-        return;
-    }
-    std::string target;
-    for (const __finddata64_t& entry : m_findData) {
-        if (replacedPath(entry.name, find, replace, target)) {
-            renameEntry(entry, target, m_processData);
-        }
-    }
+    renameReplaced(m_findData, find, replace, m_processData);
 }
 
 void CzbFileUtil::RenameFolder(char* path, char* newName, bool subDir) {
     FindFolder(path, subDir);
-    if (newName == nullptr) {
-        return;
-    }
-    for (const __finddata64_t& entry : m_findData) {
-        std::string target(entry.name, folderLength(entry.name));
-        target += newName;
-        target += '\\';
-        renameEntry(entry, target, m_processData);
-    }
+    renameTo(m_findData, newName, "\\", m_processData);
 }

@@ -17,36 +17,48 @@ bool isEmpty(const char* path) {
     return path == nullptr || path[0] == '\0';
 }
 
+// Calls visit(name, isFolder) for each entry of `folder` but the folders whose names begin
+// with a dot ("." and ".." among them). false, with nothing done, when the search text
+// would pass `limit`: such a folder is refused whole.
+template <typename Visit> bool forEachEntry(const std::string& folder, size_t limit, Visit visit) {
+    std::string search = folder + "\\*.*";
+    if (search.size() > limit) {
+        return false;
+    }
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
+    if (handle == -1) {
+        return true;
+    }
+    do {
+        bool isFolder = (data.attrib & _A_SUBDIR) != 0;
+        if (!(isFolder && data.name[0] == '.')) {
+            visit(data.name, isFolder);
+        }
+    } while (zbp::_findnext64(handle, &data) == 0);
+    zbp::_findclose(handle);
+    return true;
+}
+
 // Deletes from `source` each file whose twin in `target` is complete and byte-identical,
 // then each folder left empty. Folders whose names begin with a dot were not copied and
 // are not entered.
 void removeCopied(const std::string& source, const std::string& target) {
-    std::string search = source + "\\*.*";
-    if (search.size() > kCopyLimit) {
-        return;
+    const bool listed = forEachEntry(source, kCopyLimit, [&](const char* name, bool isFolder) {
+        std::string from = source + "\\" + name;
+        std::string to = target + "\\" + name;
+        if (from.size() > kCopyLimit || to.size() > kCopyLimit) {
+            return;
+        }
+        if (isFolder) {
+            removeCopied(from, to);
+        } else if (zbp::sameFileContent(from.c_str(), to.c_str())) {
+            zbp::remove(from.c_str());
+        }
+    });
+    if (listed) {
+        zbp::_rmdir((source + "\\").c_str());
     }
-    __finddata64_t data;
-    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
-    if (handle != -1) {
-        do {
-            bool isFolder = (data.attrib & _A_SUBDIR) != 0;
-            if (isFolder && data.name[0] == '.') {
-                continue;
-            }
-            std::string from = source + "\\" + data.name;
-            std::string to = target + "\\" + data.name;
-            if (from.size() > kCopyLimit || to.size() > kCopyLimit) {
-                continue;
-            }
-            if (isFolder) {
-                removeCopied(from, to);
-            } else if (zbp::sameFileContent(from.c_str(), to.c_str())) {
-                zbp::remove(from.c_str());
-            }
-        } while (zbp::_findnext64(handle, &data) == 0);
-        zbp::_findclose(handle);
-    }
-    zbp::_rmdir((source + "\\").c_str());
 }
 
 } // namespace
@@ -103,33 +115,22 @@ void CzbFileUtil::DeleteFolder(char* path, bool flag) {
         return;
     }
     std::string folder = path;
-    std::string search = folder + "\\*.*";
-    if (search.size() > kDeleteLimit) {
-        return;
+    const bool listed = forEachEntry(folder, kDeleteLimit, [&](const char* name, bool isFolder) {
+        std::string entry = folder + "\\" + name;
+        if (entry.size() > kDeleteLimit) {
+            return;
+        }
+        if (isFolder) {
+            char text[kDeleteLimit + 1];
+            memcpy(text, entry.c_str(), entry.size() + 1);
+            DeleteFolder(text, flag);
+        } else {
+            zbp::remove(entry.c_str());
+        }
+    });
+    if (listed) {
+        zbp::_rmdir((folder + "\\").c_str());
     }
-    __finddata64_t data;
-    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
-    if (handle != -1) {
-        do {
-            bool isFolder = (data.attrib & _A_SUBDIR) != 0;
-            if (isFolder && data.name[0] == '.') {
-                continue;
-            }
-            std::string entry = folder + "\\" + data.name;
-            if (entry.size() > kDeleteLimit) {
-                continue;
-            }
-            if (isFolder) {
-                char text[kDeleteLimit + 1];
-                memcpy(text, entry.c_str(), entry.size() + 1);
-                DeleteFolder(text, flag);
-            } else {
-                zbp::remove(entry.c_str());
-            }
-        } while (zbp::_findnext64(handle, &data) == 0);
-        zbp::_findclose(handle);
-    }
-    zbp::_rmdir((folder + "\\").c_str());
 }
 
 void CzbFileUtil::MakeDirectory(char* path) {
