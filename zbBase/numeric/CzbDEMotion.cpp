@@ -2,6 +2,7 @@
 #include "zbBase/numeric/CzbDE.h"
 
 #include "zbBase/numeric/detail/zbMissileRun.h"
+#include "zbBase/numeric/detail/zbSnapToUnit.h"
 #include "zbBase/numeric/detail/zbTruncate.h"
 
 #include <algorithm>
@@ -20,13 +21,6 @@ void moveBy(double* x, double* y, double* z, double heading, double elevation, d
     *x += std::sin(H) * g;
     *y += std::cos(H) * g;
     *z += std::sin(E) * d;
-}
-
-// Drops everything below the resolution of 1.0, so that cos 90 degrees becomes exactly 0.
-// volatile keeps the compiler from folding the two operations away.
-double snapToUnit(double v) {
-    volatile double shifted = v + 1.0;
-    return shifted - 1.0;
 }
 
 bool allFinite(std::initializer_list<double> values) {
@@ -83,12 +77,12 @@ void CzbDE::axisrotate(double* outX, double* outY, double* outZ, double centreX,
     const double a1 = angleXY * kPi / 180.0;
     const double a2 = angleYZ * kPi / 180.0;
     const double a3 = angleXZ * kPi / 180.0;
-    const double s1 = snapToUnit(std::sin(a1));
-    const double c1 = snapToUnit(std::cos(a1));
-    const double s2 = snapToUnit(std::sin(a2));
-    const double c2 = snapToUnit(std::cos(a2));
-    const double s3 = snapToUnit(std::sin(a3));
-    const double c3 = snapToUnit(std::cos(a3));
+    const double s1 = detail::snapToUnit(std::sin(a1));
+    const double c1 = detail::snapToUnit(std::cos(a1));
+    const double s2 = detail::snapToUnit(std::sin(a2));
+    const double c2 = detail::snapToUnit(std::cos(a2));
+    const double s3 = detail::snapToUnit(std::sin(a3));
+    const double c3 = detail::snapToUnit(std::cos(a3));
 
     const double dx = pointX - centreX;
     const double dy = pointY - centreY;

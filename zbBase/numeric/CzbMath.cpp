@@ -1,5 +1,7 @@
 #include "zbBase/numeric/CzbMath.h"
 
+#include "zbBase/numeric/detail/zbSnapToUnit.h"
+
 #include <cmath>
 
 namespace zbBase {
@@ -91,8 +93,8 @@ bool CzbMath::GetLineOnPoint(zbVector3d p, zbVector3d a, zbVector3d b) {
 
 zbVector2d CzbMath::GetRotatePosition(zbVector2d centre, zbVector2d point, double degrees) {
     const double r = degrees * kPi / 180.0;
-    const double c = (std::cos(r) + 1.0) - 1.0;
-    const double s = (std::sin(r) + 1.0) - 1.0;
+    const double c = detail::snapToUnit(std::cos(r));
+    const double s = detail::snapToUnit(std::sin(r));
     const zbVector2d q = point - centre;
     return zbVector2d(c * q.x - s * q.y + centre.x, c * q.y + s * q.x + centre.y);
 }

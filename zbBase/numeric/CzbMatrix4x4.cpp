@@ -1,5 +1,7 @@
 #include "zbBase/numeric/CzbMatrix4x4.h"
 
+#include "zbBase/numeric/detail/zbSnapToUnit.h"
+
 #include <cmath>
 #include <cstdio>
 
@@ -19,8 +21,8 @@ void setIdentity(double* m) {
 // right angles give exact zeros and ones.
 void cosSin(double degrees, double* c, double* s) {
     const double r = degrees * kPi / 180.0;
-    *c = (std::cos(r) + 1.0) - 1.0;
-    *s = (std::sin(r) + 1.0) - 1.0;
+    *c = detail::snapToUnit(std::cos(r));
+    *s = detail::snapToUnit(std::sin(r));
 }
 
 } // namespace
