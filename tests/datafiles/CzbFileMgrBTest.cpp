@@ -133,4 +133,10 @@ TEST(CzbFileMgrB, MalformedFilesKeepWhatIsWhole) {
     EXPECT_TRUE(mgr.OpenFile(T(path)));
     EXPECT_EQ(mgr.GetHeadData(), nullptr);
     EXPECT_TRUE(mgr.m_readBodies.empty());
+
+    // A folder is no file; a cursor that a host set to the largest int wraps to 0.
+    std::filesystem::create_directory(folder.file("dir"));
+    EXPECT_FALSE(mgr.OpenFile(T(folder.file("dir"))));
+    mgr.m_cursor = 0x7fffffff;
+    EXPECT_EQ(mgr.MoveNext(), 0);
 }

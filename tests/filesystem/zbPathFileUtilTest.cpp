@@ -34,6 +34,11 @@ TEST(zbPathFileUtil, CopytoFileAcrossTheBlockSize) {
     EXPECT_FALSE(
         zbPathFileUtil::CopytoFile(Text(tree.text("missing")), Text(tree.text("long.bin"))));
     EXPECT_EQ(fstest::readFile(tree.path("long.bin")), "short");
+    // A folder is no file to copy from: the target keeps its bytes.
+    fs::create_directory(tree.path("folder"));
+    EXPECT_FALSE(
+        zbPathFileUtil::CopytoFile(Text(tree.text("folder")), Text(tree.text("long.bin"))));
+    EXPECT_EQ(fstest::readFile(tree.path("long.bin")), "short");
     EXPECT_FALSE(
         zbPathFileUtil::CopytoFile(Text(tree.text("short.bin")), Text(tree.text("no\\x.bin"))));
     EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(""), Text("")));

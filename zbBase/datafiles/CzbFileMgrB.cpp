@@ -185,10 +185,12 @@ void* CzbFileMgrB::GetBodyData() {
 }
 
 int CzbFileMgrB::MoveNext() {
-    ++m_cursor;
-    if (m_cursor < 0 || static_cast<size_t>(m_cursor) >= m_readBodies.size()) {
-        m_cursor = 0;
+    // Counted in 64 bits: a cursor that a host set to the largest int wraps to 0, not past it.
+    int64_t next = static_cast<int64_t>(m_cursor) + 1;
+    if (next >= 0 && static_cast<uint64_t>(next) >= m_readBodies.size()) {
+        next = 0;
     }
+    m_cursor = static_cast<int32_t>(next);
     return m_cursor;
 }
 

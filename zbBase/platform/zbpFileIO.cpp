@@ -52,7 +52,16 @@ FILE* fopen(const char* path, const char* mode) {
         errno = EINVAL;
         return nullptr;
     }
-    return ::fopen(toNativePath(path).c_str(), posixMode(mode).c_str());
+    FILE* file = ::fopen(toNativePath(path).c_str(), posixMode(mode).c_str());
+    // A folder opens for reading here but is no file on Windows: refuse it the same way, so
+    // that no reader takes a folder for an empty file and no copy empties its target.
+    struct stat info;
+    if (file != nullptr && ::fstat(::fileno(file), &info) == 0 && S_ISDIR(info.st_mode)) {
+        ::fclose(file);
+        errno = EACCES;
+        return nullptr;
+    }
+    return file;
 }
 
 errno_t fopen_s(FILE** stream, const char* path, const char* mode) {

@@ -33,7 +33,7 @@ inline FILE* fopen(const char* path, const char* mode) {
 #else
 typedef int errno_t;
 
-// Opens a stream; null when the file cannot be opened.
+// Opens a stream; null when the file cannot be opened (a folder too, with EACCES).
 FILE* fopen(const char* path, const char* mode);
 // Opens a stream into *stream (null on failure); 0 on success, else an errno value.
 errno_t fopen_s(FILE** stream, const char* path, const char* mode);
