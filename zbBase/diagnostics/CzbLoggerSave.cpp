@@ -88,6 +88,8 @@ void CzbLogger::funcLogFileSave() {
         }
         if (file != nullptr) {
             setLogDataToFile(file, &record);
+            // On disk before the record counts as saved: resetLogCount(1) relies on it.
+            fflush(file);
         } else {
             zbp::CriticalSectionGuard guard(&m_lock);
             _LoggerData& stored = m_logData[slot];
