@@ -119,6 +119,9 @@ TEST(CzbString, PathSplitting) {
     // Folder part fits, the rest does not: false, the folder part stays.
     EXPECT_FALSE(CzbString::GetFullPathName(full, 10, "dir/sub/a.cfg", "b.dat"));
     EXPECT_STREQ(full, "dir/sub/");
+    std::memset(full, 'x', sizeof full);
+    EXPECT_FALSE(CzbString::GetFullPathName(full, 8, "dir/sub/a.cfg", "b.dat"));
+    EXPECT_EQ(std::string(full, 9), "dir/sub/x");
     EXPECT_FALSE(CzbString::GetFullPathName(full, 5, "dir/sub/a.cfg", "b.dat"));
     EXPECT_STREQ(full, "");
 }

@@ -158,8 +158,8 @@ bool CzbString::GetFullPathName(char* dst, int size, const char* base, const cha
     clear(dst, size);
     const char* slash = strrchr(base, '/');
     size_t folderLength = slash != nullptr ? static_cast<size_t>(slash - base) + 1 : 0;
-    // The folder part must fit with a terminator behind it.
-    if (size < 1 || static_cast<size_t>(size) <= folderLength) {
+    // The folder part alone must fit; its terminator comes with the rest.
+    if (size < 0 || static_cast<size_t>(size) < folderLength) {
         return false;
     }
     memcpy(dst, base, folderLength);

@@ -65,8 +65,8 @@ public:
     static void GetPath(char* dst, int size, const char* path);
     // Joins relative to the folder of base (up to and including its last '/'), after
     // dropping one leading "./" or else one leading "/" from relative. False when the folder
-    // part or the joined path does not fit with its NUL; dst then holds what fitted of the
-    // folder part (or nothing).
+    // part does not fit in size bytes (dst then stays cleared), or when the rest does not fit
+    // behind it with its NUL (dst then holds the folder part, unterminated if it fills dst).
     static bool GetFullPathName(char* dst, int size, const char* base, const char* relative);
 
     // True for the empty string and for digits with at most one '.' and an optional leading

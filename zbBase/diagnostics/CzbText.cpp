@@ -122,26 +122,38 @@ int CzbText::getBufferSize(int index) {
 
 char* CzbText::getBufferNew(int size) {
     const int count = m_bufferNum;
-    for (;;) {
-        int current = m_current.load();
-        int slot = (current + 1) % count;
+    // The slot is claimed before anything of it is read, so no other caller can be growing
+    // the same slot at the same time.
+    int current = m_current.load();
+    int slot;
+    do {
+        slot = (current + 1) % count;
         if (slot < 0) {
             slot += count;
         }
-        // A larger block is made before the cursor moves, so that an allocation failure
-        // leaves the ring as it was.
-        char* grown = size > m_bufferSizes[slot] ? new char[size] : nullptr;
-        if (!m_current.compare_exchange_strong(current, slot)) {
-            delete[] grown;
-            continue;
+    } while (!m_current.compare_exchange_weak(current, slot));
+    if (size > m_bufferSizes[slot]) {
+        char* grown;
+        try {
+            grown = new char[size];
+        } catch (...) {
+            // Give the slot back, unless another caller has moved on from it meanwhile.
+            int claimed = slot;
+            m_current.compare_exchange_strong(claimed, current);
+            throw;
         }
-        if (grown != nullptr) {
-            delete[] m_buffers[slot];
-            m_buffers[slot] = grown;
-            m_bufferSizes[slot] = size;
-        }
-        return m_buffers[slot];
+        delete[] m_buffers[slot];
+        m_buffers[slot] = grown;
+        m_bufferSizes[slot] = size;
     }
+    publish();
+    return m_buffers[slot];
+}
+
+void CzbText::publish() {
+    // A release on the cursor after a slot's block or text is written: the caller that the
+    // ring later brings back to this slot acquires the cursor, and so sees these writes.
+    m_current.fetch_add(0, std::memory_order_acq_rel);
 }
 
 void CzbText::setBufferSize(int count) {
@@ -170,6 +182,7 @@ char* CzbText::getFormat(char* format, ...) {
         block[0] = '\0';
     }
     va_end(args);
+    publish();
     return block;
 }
 
@@ -189,6 +202,7 @@ char* CzbText::getDate(char* first, char* second, char* third) {
     // Caller's texts too long for the block are cut.
     (void)!snprintf(block, kDateTimeBytes, "%04d%s%02d%s%02d%s", now.tm_year + 1900, first,
                     now.tm_mon + 1, second, now.tm_mday, third);
+    publish();
     return block;
 }
 
@@ -207,6 +221,7 @@ char* CzbText::getTime(char* first, char* second, char* third) {
     char* block = getBufferNew(kDateTimeBytes);
     (void)!snprintf(block, kDateTimeBytes, "%02d%s%02d%s%02d%s", now.tm_hour, first, now.tm_min,
                     second, now.tm_sec, third);
+    publish();
     return block;
 }
 
@@ -215,6 +230,7 @@ char* CzbText::getCurrentDirectory() {
     block[0] = '\0';
     zbp::GetCurrentDirectoryA(kPathBytes, block);
     block[kPathBytes - 1] = '\0';
+    publish();
     return block;
 }
 
@@ -223,6 +239,7 @@ char* CzbText::getModuleFileName() {
     block[0] = '\0';
     zbp::GetModuleFileNameA(nullptr, block, kPathBytes);
     block[kPathBytes - 1] = '\0';
+    publish();
     return block;
 }
 

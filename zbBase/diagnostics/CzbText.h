@@ -62,6 +62,7 @@ public:
 
 private:
     void release();
+    void publish();
 };
 
 static_assert(sizeof(std::atomic<int>) == sizeof(int), "cursor keeps the width of an int");
