@@ -1,4 +1,5 @@
 #include "zbBase/diagnostics/CzbLogger.h"
+#include "zbBase/diagnostics/detail/zbFormat.h"
 
 #include "zbBase/platform/detail/zbpClock.h"
 #include "zbBase/platform/detail/zbpThread.h"
@@ -170,11 +171,8 @@ void CzbLogger::setLog(char* format, ...) {
     char message[kMessageBytes];
     va_list args;
     va_start(args, format);
-    int formatted = vsnprintf(message, sizeof message, format, args);
+    zbBase::detail::formatBounded(message, sizeof message, format, args);
     va_end(args);
-    if (formatted < 0) {
-        message[0] = '\0';
-    }
     size_t length = strnlen(message, sizeof message - 1);
     if (length > static_cast<size_t>(m_stringLen - 1)) {
         length = static_cast<size_t>(m_stringLen - 1);

@@ -1,4 +1,5 @@
 #include "zbBase/diagnostics/CzbText.h"
+#include "zbBase/diagnostics/detail/zbFormat.h"
 
 #include "zbBase/platform/detail/zbpClock.h"
 #include "zbBase/platform/detail/zbpPath.h"
@@ -178,9 +179,7 @@ char* CzbText::getFormat(char* format, ...) {
     char* block = getBufferNew(kFormatBytes);
     va_list args;
     va_start(args, format);
-    if (vsnprintf(block, kFormatBytes, format, args) < 0) {
-        block[0] = '\0';
-    }
+    zbBase::detail::formatBounded(block, kFormatBytes, format, args);
     va_end(args);
     publish();
     return block;
@@ -198,10 +197,15 @@ char* CzbText::getDate(char* separator) {
 
 char* CzbText::getDate(char* first, char* second, char* third) {
     struct tm now = localNow();
+    return getStamp("%04d%s%02d%s%02d%s", now.tm_year + 1900, first, now.tm_mon + 1, second,
+                    now.tm_mday, third);
+}
+
+char* CzbText::getStamp(const char* format, int a, char* first, int b, char* second, int c,
+                        char* third) {
     char* block = getBufferNew(kDateTimeBytes);
     // Caller's texts too long for the block are cut.
-    (void)!snprintf(block, kDateTimeBytes, "%04d%s%02d%s%02d%s", now.tm_year + 1900, first,
-                    now.tm_mon + 1, second, now.tm_mday, third);
+    (void)!snprintf(block, kDateTimeBytes, format, a, first, b, second, c, third);
     publish();
     return block;
 }
@@ -218,11 +222,8 @@ char* CzbText::getTime(char* separator) {
 
 char* CzbText::getTime(char* first, char* second, char* third) {
     struct tm now = localNow();
-    char* block = getBufferNew(kDateTimeBytes);
-    (void)!snprintf(block, kDateTimeBytes, "%02d%s%02d%s%02d%s", now.tm_hour, first, now.tm_min,
-                    second, now.tm_sec, third);
-    publish();
-    return block;
+    return getStamp("%02d%s%02d%s%02d%s", now.tm_hour, first, now.tm_min, second, now.tm_sec,
+                    third);
 }
 
 char* CzbText::getCurrentDirectory() {

@@ -63,6 +63,8 @@ public:
 private:
     void release();
     void publish();
+    // Three numbers joined by the caller's texts, in a date-and-time block of the ring.
+    char* getStamp(const char* format, int a, char* first, int b, char* second, int c, char* third);
 };
 
 static_assert(sizeof(std::atomic<int>) == sizeof(int), "cursor keeps the width of an int");

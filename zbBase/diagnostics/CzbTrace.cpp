@@ -1,4 +1,5 @@
 #include "zbBase/diagnostics/CzbTrace.h"
+#include "zbBase/diagnostics/detail/zbFormat.h"
 
 #include "zbBase/diagnostics/CzbText.h"
 #include "zbBase/platform/detail/zbpFileIO.h"
@@ -125,9 +126,7 @@ void CzbTrace::setTrace(char* format, ...) {
     char message[kMessageBytes] = {};
     va_list args;
     va_start(args, format);
-    if (vsnprintf(message, sizeof message, format, args) < 0) {
-        message[0] = '\0';
-    }
+    zbBase::detail::formatBounded(message, sizeof message, format, args);
     va_end(args);
 
     if (m_mode.load() == ModeFile) {
@@ -220,9 +219,7 @@ void CzbTraceExt::setTraceWithDateTime(char* format, ...) {
     char message[kMessageBytes] = {};
     va_list args;
     va_start(args, format);
-    if (vsnprintf(message, sizeof message, format, args) < 0) {
-        message[0] = '\0';
-    }
+    zbBase::detail::formatBounded(message, sizeof message, format, args);
     va_end(args);
 
     // The trace lock (re-entered by setTrace) is held from taking the two ring slots until
