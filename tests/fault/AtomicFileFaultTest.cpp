@@ -1,0 +1,132 @@
+// The file written beside its target: the old file survives every failure.
+#include <zbBase/platform/detail/zbpAtomicFile.h>
+
+#include "support/zbFaults.h"
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Number of entries in a folder: a failed write must leave no stray file behind.
+size_t entries(const fs::path& folder) {
+    size_t n = 0;
+    for (auto it = fs::directory_iterator(folder); it != fs::directory_iterator(); ++it) {
+        ++n;
+    }
+    return n;
+}
+
+bool writeText(zbp::AtomicFile& file, const std::string& text) {
+    return fwrite(text.data(), 1, text.size(), file.stream()) == text.size();
+}
+
+} // namespace
+
+TEST(AtomicFile, CommitReplacesTheTargetDiscardKeepsIt) {
+    zbtest::TempFolder dir;
+    const std::string target = dir.file("data.txt");
+    zbtest::writeBytes(target, "old");
+
+    zbp::AtomicFile file;
+    ASSERT_TRUE(file.open(target.c_str(), "w"));
+    ASSERT_TRUE(writeText(file, "new\n"));
+    EXPECT_EQ(zbtest::readBytes(target), "old"); // nothing visible before the commit
+    EXPECT_EQ(entries(dir.path()), 2u);
+    ASSERT_TRUE(file.commit());
+    EXPECT_EQ(zbtest::readBytes(target), "new" + zbtest::kEol);
+    EXPECT_EQ(entries(dir.path()), 1u);
+
+    ASSERT_TRUE(file.open(target.c_str(), "wb"));
+    writeText(file, "abandoned");
+    file.discard();
+    EXPECT_EQ(zbtest::readBytes(target), "new" + zbtest::kEol);
+
+    {
+        zbp::AtomicFile dropped;
+        ASSERT_TRUE(dropped.open(dir.file("fresh.bin").c_str(), "wb"));
+        writeText(dropped, "never committed");
+        dropped.fail();
+        EXPECT_FALSE(dropped.good());
+        EXPECT_FALSE(dropped.commit());
+    }
+    EXPECT_FALSE(fs::exists(dir.file("fresh.bin")));
+    EXPECT_EQ(entries(dir.path()), 1u);
+
+    // A folder is no file to replace.
+    fs::create_directory(dir.file("folder"));
+    EXPECT_FALSE(file.open(dir.file("folder").c_str(), "w"));
+    EXPECT_FALSE(file.open("", "w"));
+    EXPECT_FALSE(file.open(nullptr, "w"));
+}
+
+#if !defined(_WIN32)
+
+TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
+    zbtest::TempFolder dir;
+    const std::string target = dir.file("data.bin");
+    const std::string old(10000, 'o');
+    zbtest::writeBytes(target, old);
+    {
+        zbtest::FileSizeLimit limit(4096);
+        zbp::AtomicFile file;
+        ASSERT_TRUE(file.open(target.c_str(), "wb"));
+        writeText(file, std::string(20000, 'n'));
+        EXPECT_FALSE(file.commit());
+    }
+    EXPECT_EQ(zbtest::readBytes(target), old);
+    EXPECT_EQ(entries(dir.path()), 1u);
+
+    // A device is written where it stands: /dev/full refuses every byte.
+    zbp::AtomicFile device;
+    ASSERT_TRUE(device.open("/dev/full", "wb"));
+    writeText(device, "x");
+    EXPECT_FALSE(device.commit());
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+
+    // A symbolic link: the file it names is replaced, the link stays.
+    fs::create_symlink(target, dir.file("link"));
+    zbp::AtomicFile viaLink;
+    ASSERT_TRUE(viaLink.open(dir.file("link").c_str(), "wb"));
+    writeText(viaLink, "through the link");
+    ASSERT_TRUE(viaLink.commit());
+    EXPECT_TRUE(fs::is_symlink(dir.file("link")));
+    EXPECT_EQ(zbtest::readBytes(target), "through the link");
+
+    // Permissions carry over; a read-only file or folder stops an unprivileged writer.
+    fs::permissions(target, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    ASSERT_TRUE(viaLink.open(target.c_str(), "wb") || geteuid() != 0);
+    viaLink.discard();
+    fs::permissions(dir.path(), fs::perms::all);
+    int rc = zbtest::asUnprivileged([&] {
+        zbp::AtomicFile file;
+        if (file.open(target.c_str(), "wb")) {
+            return 1;
+        }
+        return file.open(dir.file("new.bin").c_str(), "wb") && file.commit() ? 0 : 2;
+    });
+    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(zbtest::readBytes(target), "through the link");
+    EXPECT_EQ(fs::status(target).permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+
+    zbtest::SmallTmpfs disk(64 * 1024);
+    if (!disk.ok()) {
+        GTEST_SKIP() << disk.why();
+    }
+    const std::string small = disk.file("small.bin");
+    zbtest::writeBytes(small, std::string(40000, 's'));
+    zbp::AtomicFile file;
+    ASSERT_TRUE(file.open(small.c_str(), "wb"));
+    writeText(file, std::string(40000, 'n')); // both copies do not fit at once
+    EXPECT_FALSE(file.commit());
+    EXPECT_EQ(zbtest::readBytes(small), std::string(40000, 's'));
+    EXPECT_EQ(entries(disk.path()), 1u);
+}
+
+#endif

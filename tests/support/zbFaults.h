@@ -1,0 +1,127 @@
+// Faults on demand for the tests (POSIX only): a disk that fills up, a small file system, a
+// user without root's rights.
+//
+//   FileSizeLimit limit(4096);   // every file of the process stops growing at 4096 bytes:
+//                                // writes past it fail with EFBIG, as on a full disk
+//   SmallTmpfs disk(2 << 20);    // a 2 MiB tmpfs in a private mount namespace; ok() is false
+//                                // (and why() says why) where the machine does not allow it
+//   int rc = asUnprivileged([&] { return library_call() ? 0 : 1; });
+//                                // runs the function in a child process as user nobody
+//                                // (as the caller itself when it is not root); the child's
+//                                // result, or -1 if it could not run
+#pragma once
+
+#if !defined(_WIN32)
+
+#include <errno.h>
+#include <functional>
+#include <grp.h>
+#include <sched.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <string.h>
+#include <string>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zbtest {
+
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &m_saved);
+        m_oldHandler = signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = m_saved;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_saved);
+        signal(SIGXFSZ, m_oldHandler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_saved{};
+    void (*m_oldHandler)(int) = SIG_DFL;
+};
+
+class SmallTmpfs {
+public:
+    explicit SmallTmpfs(size_t bytes) {
+        if (geteuid() != 0) {
+            m_why = "a tmpfs needs root";
+            return;
+        }
+        static bool privateNamespace = false;
+        if (!privateNamespace) {
+            // The mounts of this process stay its own and vanish with it.
+            if (unshare(CLONE_NEWNS) != 0 ||
+                mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+                m_why = std::string("no private mount namespace: ") + strerror(errno);
+                return;
+            }
+            privateNamespace = true;
+        }
+        char pattern[] = "/tmp/zbBase_tmpfs_XXXXXX";
+        if (mkdtemp(pattern) == nullptr) {
+            m_why = std::string("no folder for the mount: ") + strerror(errno);
+            return;
+        }
+        m_path = pattern;
+        std::string options = "size=" + std::to_string(bytes);
+        if (mount("tmpfs", m_path.c_str(), "tmpfs", 0, options.c_str()) != 0) {
+            m_why = std::string("tmpfs cannot be mounted: ") + strerror(errno);
+            rmdir(m_path.c_str());
+            return;
+        }
+        m_mounted = true;
+    }
+    ~SmallTmpfs() {
+        if (m_mounted) {
+            umount2(m_path.c_str(), MNT_DETACH);
+            rmdir(m_path.c_str());
+        }
+    }
+    SmallTmpfs(const SmallTmpfs&) = delete;
+    SmallTmpfs& operator=(const SmallTmpfs&) = delete;
+
+    bool ok() const { return m_mounted; }
+    const std::string& why() const { return m_why; }
+    const std::string& path() const { return m_path; }
+    std::string file(const std::string& name) const { return m_path + "/" + name; }
+
+private:
+    std::string m_path;
+    std::string m_why;
+    bool m_mounted = false;
+};
+
+inline int asUnprivileged(const std::function<int()>& body) {
+    pid_t child = fork();
+    if (child < 0) {
+        return -1;
+    }
+    if (child == 0) {
+        if (geteuid() == 0) {
+            // nobody: no supplementary groups, no capabilities.
+            if (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0) {
+                _exit(125);
+            }
+        }
+        _exit(body());
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return -1;
+    }
+    return WEXITSTATUS(status);
+}
+
+} // namespace zbtest
+
+#endif
