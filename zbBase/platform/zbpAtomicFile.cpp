@@ -45,11 +45,11 @@ std::string uniqueSuffix() {
     return text;
 }
 
+#if defined(_WIN32)
 bool isTextMode(const char* mode) {
     return strchr(mode, 'b') == nullptr;
 }
-
-#if !defined(_WIN32)
+#else
 // The file a path finally names: symbolic links are followed, also to a file not there yet.
 std::string resolveLinks(std::string path) {
     for (int depth = 0; depth < 40; ++depth) {

@@ -51,12 +51,6 @@ private:
     bool m_failed = false;
     std::string m_target;    // the file that will be replaced, symbolic links resolved
     std::string m_temporary; // the new file beside it
-#if !defined(_WIN32)
-    bool m_keepOwner = false;
-    unsigned m_mode = 0;
-    unsigned m_uid = 0;
-    unsigned m_gid = 0;
-#endif
 };
 
 // Moves a complete file over another in one step (an existing target is replaced). The two
