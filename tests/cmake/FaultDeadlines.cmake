@@ -2,4 +2,6 @@
 # without its bound (included by ctest after the discovered tests; names that are not there,
 # as in the one-test-per-program Windows runs, are ignored).
 set_tests_properties(NumericFault.MissileEndsSoonAtAnyFrameRate
+                     NumericFault.InterpolationStopsAtItsSampleCeiling
+                     NumericFault.InterpolationKeepsWhatItMadeWhenMemoryRunsOut
                      PROPERTIES TIMEOUT 120)

@@ -1,6 +1,7 @@
 // Hostile numbers: every calculation ends soon and keeps its memory bounded, whatever it is
 // given.
 #include <zbBase/numeric/CzbDE.h>
+#include <zbBase/numeric/CzbInterpolation.h>
 #include <zbBase/numeric/detail/zbMissileRun.h>
 
 #include <gtest/gtest.h>
@@ -10,8 +11,16 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <mutex>
 #include <thread>
+
+#if !defined(_WIN32)
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 using namespace zbBase;
 
 namespace {
@@ -45,6 +54,46 @@ private:
     std::thread m_watch;
 };
 
+const int kMaxSamples = 1 << 24;
+
+// Runs the body in a child process whose address space may grow by at most `bytes` more;
+// the child's result, or -1 if it did not end normally.
+#if !defined(_WIN32)
+int withMemoryLimit(size_t bytes, const std::function<int()>& body) {
+    pid_t child = fork();
+    if (child < 0) {
+        return -1;
+    }
+    if (child == 0) {
+        long pages = 0;
+        if (FILE* statm = std::fopen("/proc/self/statm", "r")) {
+            if (std::fscanf(statm, "%ld", &pages) != 1) {
+                pages = 0;
+            }
+            std::fclose(statm);
+        }
+        rlimit limit{};
+        limit.rlim_cur = limit.rlim_max = size_t(pages) * size_t(sysconf(_SC_PAGESIZE)) + bytes;
+        if (pages == 0 || setrlimit(RLIMIT_AS, &limit) != 0) {
+            _exit(125);
+        }
+        _exit(body());
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return -1;
+    }
+    return WEXITSTATUS(status);
+}
+#endif
+
+CzbInterpolation line(double x0, double x1) {
+    CzbInterpolation curve;
+    curve.AddPoint(x0, x0);
+    curve.AddPoint(x1, x1);
+    return curve;
+}
+
 } // namespace
 
 TEST(NumericFault, MissileEndsSoonAtAnyFrameRate) {
@@ -70,3 +119,80 @@ TEST(NumericFault, MissileEndsSoonAtAnyFrameRate) {
         detail::flyMissile(de, {0, 0, 0, 0, 0, 0, 1e6, 1e5, 1e5, 1e5, 1e300, 1e300, -1}).passes,
         1000000u);
 }
+
+TEST(NumericFault, InterpolationStopsAtItsSampleCeiling) {
+    Deadline deadline(60);
+    // Linear over [0, 1e12]: whole abscissas up to the ceiling, and not one more.
+    CzbInterpolation curve = line(0.0, 1e12);
+    curve.CaculationLinear(0);
+    ASSERT_EQ(curve.GetDataNum(), kMaxSamples);
+    EXPECT_EQ(curve.GetData(kMaxSamples - 1).x, kMaxSamples - 1.0);
+    EXPECT_EQ(curve.GetData(kMaxSamples - 1).y, kMaxSamples - 1.0);
+    curve.CaculationLinear(0); // a full list takes nothing more
+    EXPECT_EQ(curve.GetDataNum(), kMaxSamples);
+    curve.ClearPoint();
+    curve.CaculationLinear(0); // ClearPoint makes room again
+    EXPECT_EQ(curve.GetDataNum(), kMaxSamples);
+    curve = line(0.0, 1.5);
+    curve.CaculationLinear(0);
+    EXPECT_EQ(curve.GetDataNum(), 2); // (0, 0) and (1, 1)
+
+    // A polynomial at a step of 1e-320, and over [0, 1e12] at a step of 1.
+    curve = line(0.0, 1.0);
+    curve.CaculationPolinomial(0.0, 1.0, 1e-320);
+    ASSERT_EQ(curve.GetDataNum(), kMaxSamples);
+    EXPECT_EQ(curve.GetData(kMaxSamples - 1).x, (kMaxSamples - 1) * 1e-320);
+    curve.CaculationPolinomial(0.0, 1e12, 1.0);
+    ASSERT_EQ(curve.GetDataNum(), kMaxSamples);
+    EXPECT_EQ(curve.GetData(kMaxSamples - 1).y, kMaxSamples - 1.0);
+    curve.CaculationPolinomial(0.0, 10.0, 1.0); // an ordinary call still makes all its samples
+    EXPECT_EQ(curve.GetDataNum(), 11);
+
+    // A spline with a billion steps per interval: the first intervals fill the list.
+    curve = line(0.0, 1.0);
+    curve.AddPoint(2.0, 0.0);
+    curve.CaculationCubicSpline(1e9);
+    ASSERT_EQ(curve.GetDataNum(), kMaxSamples);
+    EXPECT_EQ(curve.GetData(kMaxSamples - 1).x, (kMaxSamples - 1) / 1e9);
+    curve.CaculationCubicSpline(2147483647.0);
+    EXPECT_EQ(curve.GetDataNum(), kMaxSamples);
+    curve.CaculationCubicSpline(2.0);
+    EXPECT_EQ(curve.GetDataNum(), 5);
+}
+
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+TEST(NumericFault, InterpolationKeepsWhatItMadeWhenMemoryRunsOut) {
+    Deadline deadline(60);
+    // 64 MiB of room: far less than a full list of samples. Every calculation stops where
+    // memory ends, keeps its samples in order, and throws nothing.
+    const int rc = withMemoryLimit(size_t(64) << 20, [] {
+        int failed = 0;
+        auto kept = [&failed](CzbInterpolation& curve, double lastX) {
+            const int n = curve.GetDataNum();
+            if (n < 1000 || n >= kMaxSamples || curve.GetData(n - 1).x != lastX * (n - 1)) {
+                ++failed;
+            }
+        };
+        try {
+            CzbInterpolation curve = line(0.0, 1e12);
+            curve.CaculationLinear(0);
+            kept(curve, 1.0);
+            curve.CaculationPolinomial(0.0, 1e12, 1.0);
+            kept(curve, 1.0);
+            curve.CaculationCubicSpline(1e9);
+            kept(curve, 1e12 / 1e9);
+            // A copy is whole or has no results; either way nothing is thrown.
+            CzbInterpolation copy(curve);
+            failed += copy.GetDataNum() != 0 && copy.GetDataNum() != curve.GetDataNum();
+            copy.AddPoint(2e12, 0.0);
+            copy = curve;
+        } catch (...) {
+            return 2;
+        }
+        return failed;
+    });
+    EXPECT_EQ(rc, 0);
+}
+
+#endif
