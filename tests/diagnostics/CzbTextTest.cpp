@@ -181,6 +181,37 @@ TEST(CzbText, CopiesShareBlocksAndReleaseThemOnce) {
     EXPECT_STREQ(extCopy.getBuffer(0), "ext");
 }
 
+TEST(CzbText, CopiesWriteOnlyIntoBlocksOfTheirOwn) {
+    CzbText source;
+    char* first = source.getFormat(Text("one")); // slot 0
+    char* ownOfCopy = nullptr;
+    {
+        CzbText copy(source);
+        char* fromCopy = copy.getFormat(Text("copy")); // slot 1, seen through both
+        EXPECT_EQ(source.getBuffer(1), fromCopy);
+        // Slot 0 shows the source's text: the copy sets that block aside and takes its own,
+        // as large as the slot has grown.
+        copy.m_current.store(-1);
+        ownOfCopy = copy.getDate();
+        EXPECT_NE(ownOfCopy, first);
+        EXPECT_STREQ(first, "one");
+        EXPECT_EQ(source.getBuffer(0), ownOfCopy);
+        EXPECT_EQ(source.getBufferSize(0), 512);
+        char* second = source.getFormat(Text("two")); // the source's slot 1
+        EXPECT_NE(second, fromCopy);
+        EXPECT_STREQ(fromCopy, "copy");
+        // Each gets its own block back on its next turn.
+        source.m_current.store(-1);
+        EXPECT_EQ(source.getFormat(Text("three")), first);
+        copy.m_current.store(-1);
+        EXPECT_EQ(copy.getDate(), ownOfCopy);
+    }
+    // A copy that is gone leaves its blocks in the slots to whoever comes next.
+    source.m_current.store(-1);
+    EXPECT_EQ(source.getFormat(Text("four")), ownOfCopy);
+    EXPECT_EQ(source.getBufferSize(0), 512);
+}
+
 TEST(CzbText, ProcessWideRing) {
     CzbText* first = CzbTextExt::getInstance();
     EXPECT_EQ(first, &CzbTextExt::m_zbText);

@@ -11,13 +11,27 @@
 //   getDate(a, b, c)     "2026a11b19c"      getTime(a, b, c)     "09a05b07c"
 // getFormat fills a 512-byte block; a longer result is cut to 511 characters.
 //
-// Threads: slot acquisition is atomic, so callers that acquire at the same time get
-// different slots as long as no more than getBufferNum() acquisitions overlap. The text in
-// a slot is not guarded: once the ring wraps onto a slot that another thread still reads,
-// the text changes under it. setBufferSize and operator= are for one thread at a time.
+// Threads: any number of threads may share one ring, the process-wide one included. Taking a
+// slot is atomic, so callers that acquire at the same time get different slots as long as no
+// more than getBufferNum() acquisitions overlap, whatever their sizes; and the ring's own text
+// operations never write into one block at the same time: a caller the ring brings back onto
+// a slot whose text is still being written waits until it is done. A text handed out is not
+// guarded beyond that: once the ring wraps onto a slot whose text another thread still reads
+// (or a getBufferNew caller still writes), that text changes under it. setBufferSize and
+// operator= are for one thread at a time.
 //
-// Copies share the blocks and the two arrays with their source (each keeps its own
-// cursor); the last object that holds them releases them.
+// Copies share the slots with their source (the two arrays, so getBuffer of either shows the
+// other's texts), each with its own cursor; each object writes only into blocks of its own.
+// An object that comes to a slot whose block holds another object's text sets that block
+// aside and takes one of its own (kept for its next turn), so a copy and its source used by
+// one thread each never touch each other's texts. The last object that holds the slots frees
+// them.
+//
+// No block is freed while the ring can still hand it out or a lapped caller can still reach
+// it: a block that a slot outgrows is kept, not freed, until the ring and all its copies are
+// destroyed or resized. That costs at most the sizes each slot grew through (the text
+// operations ask for 64, 260 and 512 bytes), and a copy at most one block of its own per
+// slot; an object that goes frees the blocks it set aside.
 #pragma once
 
 #include "zbBase/numeric/zbExport.h"
@@ -61,8 +75,12 @@ public:
     std::atomic<int> m_current;
 
 private:
+    // Takes the next slot of this object's cursor, waits until no text operation is writing
+    // into it, and gives it a block of this object's own of at least size (> 0) bytes. The
+    // slot stays claimed until finishSlot.
+    int claimSlot(int size);
+    void finishSlot(int slot);
     void release();
-    void publish();
     // Three numbers joined by the caller's texts, in a date-and-time block of the ring.
     char* getStamp(const char* format, int a, char* first, int b, char* second, int c, char* third);
 };

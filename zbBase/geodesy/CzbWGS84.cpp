@@ -24,6 +24,23 @@ const double kM0 = 6366742.520260027;        // a(1 - e^2) A, metres per radian
 const double kFootpointTolerance = 1e-8;     // metres
 const int kFootpointMaxPasses = 100;
 
+// First estimate of the footpoint latitude: the meridian arc above turned inside out. With the
+// rectifying latitude mu = (arc from the equator) / M0,
+//   phi = mu + D2 sin 2mu + D4 sin 4mu + D6 sin 6mu + D8 sin 8mu + D10 sin 10mu
+// with D2 = 2.511273241833288237e-3, D4 = 3.6787858681032190098e-6,
+// D6 = 7.3809644524578461223e-9, D8 = 1.6832012242484676465e-11 and
+// D10 = 4.1494809405646822357e-14, worked out from the arc's coefficients to 50 digits. The
+// terms left out are below 1.3e-16 rad, 1e-9 m, so the stop test ends the iteration at once.
+// Since sin 2k mu = sin 2mu U(k-1)(cos 2mu), the sum is sin 2mu times a polynomial in
+// cos 2mu, with these coefficients:
+const double kFootP0 = 2.5112658609103305885e-3;  // D2 - D6 + D10
+const double kFootP1 = 7.3575044081574680809e-6;  // 2 D4 - 4 D8
+const double kFootP2 = 2.9523359872118516727e-8;  // 4 D6 - 12 D10
+const double kFootP3 = 1.3465609793987741172e-10; // 8 D8
+const double kFootP4 = 6.6391695049034915772e-13; // 16 D10
+const double kInvM0 = 1.5706619151282382147e-7;   // 1 / M0
+const double kInvA = 1.5680378306312334409e-7;    // 1 / a
+
 // WGS84 semi-major axis with the e^2 of the local plane approximation.
 const double kWgsA = 6378137.0;
 const double kWgsE2 = 0.006694380015894481;
@@ -51,44 +68,23 @@ struct MultipleSines {
             s[k] = sk;
         }
     }
-    static MultipleSines ofAngle(double phi) {
-        return MultipleSines(std::sin(2.0 * phi), std::cos(2.0 * phi));
-    }
     // sin 2phi = 2 sin cos, cos 2phi = cos^2 - sin^2, when sin phi and cos phi are at hand.
     static MultipleSines ofSinCos(double sinPhi, double cosPhi) {
         return MultipleSines(2.0 * sinPhi * cosPhi, (cosPhi - sinPhi) * (cosPhi + sinPhi));
     }
 };
 
-// Turns (sin a, cos a) into (sin(a + d), cos(a + d)) for a small d, with the series of
-// sin d and cos d to the eighth order (exact to rounding for |d| < 0.01).
-void turnBySmallAngle(double d, double* sinA, double* cosA) {
+// Turns (sin a, cos a) into (sin(a + d), cos(a + d)) for a d below kFootpointTurn, the
+// largest distance of the footpoint latitude from the rectifying latitude (0.00252 rad) with
+// room to spare: there sin d to d^5 and cos d to d^4 are exact to rounding.
+const double kFootpointTurn = 0.003;
+void turnToFootpoint(double d, double* sinA, double* cosA) {
     const double d2 = d * d;
-    const double sd = d * (1.0 - d2 * (1.0 / 6 - d2 * (1.0 / 120 - d2 * (1.0 / 5040))));
-    const double cd = 1.0 - d2 * (0.5 - d2 * (1.0 / 24 - d2 * (1.0 / 720 - d2 * (1.0 / 40320))));
+    const double sd = d - d * d2 * (1.0 / 6 - d2 * (1.0 / 120));
+    const double cd = 1.0 - d2 * (0.5 - d2 * (1.0 / 24));
     const double s = *sinA * cd + *cosA * sd;
     *cosA = *cosA * cd - *sinA * sd;
     *sinA = s;
-}
-
-// The multiple sines of the latitude of origin, worked out the same two ways as those of the
-// point (so that a point on the origin has an arc of exactly 0), and kept per thread for the
-// last origin used: hosts convert many points around one origin.
-struct OriginSines {
-    double phi0;
-    MultipleSines ofAngle;  // for the inverse conversion
-    MultipleSines ofSinCos; // for the forward conversion
-    explicit OriginSines(double p)
-        : phi0(p), ofAngle(MultipleSines::ofAngle(p)),
-          ofSinCos(MultipleSines::ofSinCos(std::sin(p), std::cos(p))) {}
-};
-
-const OriginSines& originSines(double phi0) {
-    thread_local OriginSines cached(0.0);
-    if (!(phi0 == cached.phi0 && std::signbit(phi0) == std::signbit(cached.phi0))) {
-        cached = OriginSines(phi0);
-    }
-    return cached;
 }
 
 // Meridian arc from the latitude of origin to phi, radians in, metres out, given the
@@ -97,6 +93,27 @@ double meridianArc(double phi, double phi0, const MultipleSines& p, const Multip
     return kA1mE2 *
            (kArcA * (phi - phi0) - kArcB2 * (p.s[0] - o.s[0]) + kArcB4 * (p.s[1] - o.s[1]) -
             kArcB6 * (p.s[2] - o.s[2]) + kArcB8 * (p.s[3] - o.s[3]) - kArcB10 * (p.s[4] - o.s[4]));
+}
+
+// What both conversions need of the latitude of origin, kept per thread for the last origin
+// used: hosts convert many points around one origin. The multiple sines are worked out from
+// sin phi0 and cos phi0, as those of the point are, so that a point on the origin has an arc
+// of exactly 0.
+struct Origin {
+    double phi0;
+    MultipleSines sines;
+    double arcFromEquator; // metres
+    explicit Origin(double p)
+        : phi0(p), sines(MultipleSines::ofSinCos(std::sin(p), std::cos(p))),
+          arcFromEquator(meridianArc(p, 0.0, sines, MultipleSines(0.0, 1.0))) {}
+};
+
+const Origin& originOf(double phi0) {
+    thread_local Origin cached(0.0);
+    if (!(phi0 == cached.phi0 && std::signbit(phi0) == std::signbit(cached.phi0))) {
+        cached = Origin(phi0);
+    }
+    return cached;
 }
 
 } // namespace
@@ -132,7 +149,7 @@ void CzbWGS84::_Bessel2TM(double longitude, double latitude, double centralMerid
     *x = l * N * c + (l3 / 6.0) * N * c3 * (1.0 - t2 + n2) +
          (l5 / 120.0) * N * c5 * (5.0 - 18.0 * t2 + t4 + 14.0 * n2 - 58.0 * t2 * n2) +
          (l7 / 5040.0) * N * c7 * (61.0 - 479.0 * t2 + 179.0 * t4 - t6);
-    *y = meridianArc(phi, phi0, MultipleSines::ofSinCos(s, c), originSines(phi0).ofSinCos) +
+    *y = meridianArc(phi, phi0, MultipleSines::ofSinCos(s, c), originOf(phi0).sines) +
          (l2 / 2.0) * N * s * c + (l4 / 24.0) * N * s * c3 * (5.0 - t2 + 9.0 * n2 + 4.0 * n2 * n2) +
          (l6 / 720.0) * N * s * c5 * (61.0 - 58.0 * t2 + t4 + 270.0 * n2 - 330.0 * t2 * n2) +
          (l8 / 40320.0) * N * s * c7 * (1385.0 - 3111.0 * t2 + 543.0 * t4 - t6);
@@ -147,54 +164,66 @@ void CzbWGS84::_TM2Bessel(double x, double y, double centralMeridian, double ori
         return;
     }
     const double phi0 = toRadians(originLatitude);
-    const MultipleSines& origin = originSines(phi0).ofAngle;
+    const Origin& origin = originOf(phi0);
 
-    // Footpoint latitude: the latitude on the central meridian whose arc is y. After the
-    // first pass the steps are small, and sin 2phi and cos 2phi follow each step by a turn
-    // instead of new library calls.
-    double phi1 = y / kM0 + phi0;
-    double sin2 = std::sin(2.0 * phi1);
-    double cos2 = std::cos(2.0 * phi1);
+    // Footpoint latitude phi1: the latitude on the central meridian whose arc from the origin
+    // is y. The estimate from the rectifying latitude mu already meets the stop test, save
+    // for a rare last digit; the documented step r / M0 follows if it does not. sin phi and
+    // cos phi of every estimate come from those of mu by a small turn.
+    const double mu = (y + origin.arcFromEquator) * kInvM0;
+    const double sinMu = std::sin(mu);
+    const double cosMu = std::cos(mu);
+    const double sin2Mu = 2.0 * sinMu * cosMu;
+    const double cos2Mu = (cosMu - sinMu) * (cosMu + sinMu);
+    const double cos2MuSq = cos2Mu * cos2Mu;
+    double phi1 = mu + sin2Mu * ((kFootP0 + kFootP1 * cos2Mu) +
+                                 cos2MuSq * (kFootP2 + kFootP3 * cos2Mu + kFootP4 * cos2MuSq));
+    double s = 0.0;
+    double c = 0.0;
     for (int pass = 0; pass < kFootpointMaxPasses; ++pass) {
-        const double r = y - meridianArc(phi1, phi0, MultipleSines(sin2, cos2), origin);
+        const double turn = phi1 - mu;
+        if (std::fabs(turn) < kFootpointTurn) {
+            s = sinMu;
+            c = cosMu;
+            turnToFootpoint(turn, &s, &c);
+        } else {
+            s = std::sin(phi1);
+            c = std::cos(phi1);
+        }
+        const double r = y - meridianArc(phi1, phi0, MultipleSines::ofSinCos(s, c), origin.sines);
         if (std::fabs(r) < kFootpointTolerance) {
             break;
         }
-        const double previous = phi1;
         phi1 = phi1 + r / kM0;
-        const double turn = 2.0 * (phi1 - previous);
-        if (std::fabs(turn) < 0.01) {
-            turnBySmallAngle(turn, &sin2, &cos2);
-        } else {
-            sin2 = std::sin(2.0 * phi1);
-            cos2 = std::cos(2.0 * phi1);
+        if (pass + 1 == kFootpointMaxPasses) {
+            s = std::sin(phi1);
+            c = std::cos(phi1);
         }
     }
 
-    const double s = std::sin(phi1);
-    const double c = std::cos(phi1);
-    const double t = s / c; // tan phi1
+    // With u = x / N the terms read t u^2 / 2 for t x^2 / 2N^2, and so on; 1 / N is
+    // sqrt(1 - e^2 sin^2 phi1) / a, and 1 / cos phi1 is the one division of the series.
+    const double invC = 1.0 / c;
+    const double t = s * invC; // tan phi1
     const double n2 = kEp2 * c * c;
-    const double N = kA / std::sqrt(1.0 - kE2 * s * s);
+    const double u = x * (std::sqrt(1.0 - kE2 * s * s) * kInvA);
 
     const double t2 = t * t, t4 = t2 * t2, t6 = t4 * t2;
     const double n4 = n2 * n2;
-    const double N2 = N * N, N3 = N2 * N, N4 = N3 * N, N5 = N4 * N, N6 = N5 * N, N7 = N6 * N,
-                 N8 = N7 * N;
-    const double x2 = x * x, x3 = x2 * x, x4 = x3 * x, x5 = x4 * x, x6 = x5 * x, x7 = x6 * x,
-                 x8 = x7 * x;
+    const double u2 = u * u, u4 = u2 * u2, u6 = u4 * u2, u8 = u4 * u4;
+    const double u3 = u2 * u, u5 = u4 * u, u7 = u4 * u3;
 
     const double phi =
-        phi1 - (t / (2.0 * N2)) * (1.0 + n2) * x2 +
-        (t / (24.0 * N4)) * (5.0 + 3.0 * t2 + 6.0 * n2 - 6.0 * t2 * n2 - 3.0 * n4 - 9.0 * t2 * n4) *
-            x4 -
-        (t / (720.0 * N6)) *
-            (61.0 + 90.0 * t2 + 45.0 * t4 + 107.0 * n2 - 162.0 * t2 * n2 - 45.0 * t4 * n2) * x6 +
-        (t / (40320.0 * N8)) * (1385.0 + 3633.0 * t2 + 4095.0 * t4 + 1575.0 * t6) * x8;
+        phi1 - (t / 2.0) * (1.0 + n2) * u2 +
+        (t / 24.0) * (5.0 + 3.0 * t2 + 6.0 * n2 - 6.0 * t2 * n2 - 3.0 * n4 - 9.0 * t2 * n4) * u4 -
+        (t / 720.0) *
+            (61.0 + 90.0 * t2 + 45.0 * t4 + 107.0 * n2 - 162.0 * t2 * n2 - 45.0 * t4 * n2) * u6 +
+        (t / 40320.0) * (1385.0 + 3633.0 * t2 + 4095.0 * t4 + 1575.0 * t6) * u8;
     const double dl =
-        x / (N * c) - (1.0 / (6.0 * N3 * c)) * (1.0 + 2.0 * t2 + n2) * x3 +
-        (1.0 / (120.0 * N5 * c)) * (5.0 + 28.0 * t2 + 24.0 * t4 + 6.0 * n2 + 8.0 * t2 * n2) * x5 -
-        (1.0 / (5040.0 * N7 * c)) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t6) * x7;
+        (u - (1.0 / 6.0) * (1.0 + 2.0 * t2 + n2) * u3 +
+         (1.0 / 120.0) * (5.0 + 28.0 * t2 + 24.0 * t4 + 6.0 * n2 + 8.0 * t2 * n2) * u5 -
+         (1.0 / 5040.0) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t6) * u7) *
+        invC;
 
     *latitude = toDegrees(phi);
     *longitude = toDegrees(dl) + centralMeridian;

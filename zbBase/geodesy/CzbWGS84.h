@@ -16,9 +16,11 @@
 // getBearing and getRangePosition stand on the Gauss-Krueger pair in a grid centred on the
 // reference point, so the bearing is a grid bearing (clockwise from the reference meridian).
 //
-// _TM2Bessel gives NaN for any non-finite input, and ends its footpoint iteration after at
-// most 100 passes (convergence to 1e-8 metres needs a few). No state; any thread may call any
-// operation.
+// _TM2Bessel finds the footpoint latitude by the documented stop test (|r| < 1e-8 m of
+// meridian arc) and step r / M0, but starts from a series for the footpoint latitude instead
+// of y / M0 + phi0: the first pass nearly always meets the test (the rest need a second). It
+// gives NaN for any non-finite input, and ends the iteration after at most 100 passes. No
+// state; any thread may call any operation.
 #pragma once
 
 #include "zbBase/numeric/zbExport.h"

@@ -63,8 +63,10 @@ public:
                     double angleYZ, double angleXZ);
     // Flies a missile toward a fixed target; true once both its heading and elevation are
     // captured, false once its heading winds more than 720 degrees from 0. Also false at once
-    // for a frame rate of 0 or a non-finite argument, and after one simulated hour of passes
-    // (at least 100000) without either ending.
+    // for a frame rate of 0 or a non-finite argument, and false when neither ending has come
+    // after one simulated hour of passes, at least 100000 and at most 1000000 passes (the
+    // frame rate's 32 bits are read unsigned, so -1 is 4294967295): a run takes well under a
+    // second whatever its arguments.
     bool missilesim(double x, double y, double z, double heading, double elevation,
                     double headingStep, double elevationStep, double targetX, double targetY,
                     double targetZ, double speed, double acceleration, int frameRate);

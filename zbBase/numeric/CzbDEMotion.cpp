@@ -52,9 +52,8 @@ void CzbDE::getRoate2d(double angle, double x, double y, double* outX, double* o
     *outY = std::cos(a) * y - std::sin(a) * x;
 }
 
-void CzbDE::rotateposition3d(double centreX, double centreY, double centreZ, double* x,
-                             double* y, double* z, double headingChange,
-                             double elevationChange) {
+void CzbDE::rotateposition3d(double centreX, double centreY, double centreZ, double* x, double* y,
+                             double* z, double headingChange, double elevationChange) {
     const double px = *x;
     const double py = *y;
     const double pz = *z;
@@ -72,8 +71,8 @@ void CzbDE::rotateposition3d(double centreX, double centreY, double centreZ, dou
 }
 
 void CzbDE::axisrotate(double* outX, double* outY, double* outZ, double centreX, double centreY,
-                       double centreZ, double pointX, double pointY, double pointZ,
-                       double angleXY, double angleYZ, double angleXZ) {
+                       double centreZ, double pointX, double pointY, double pointZ, double angleXY,
+                       double angleYZ, double angleXZ) {
     const double a1 = angleXY * kPi / 180.0;
     const double a2 = angleYZ * kPi / 180.0;
     const double a3 = angleXZ * kPi / 180.0;
@@ -110,8 +109,11 @@ MissileRun flyMissile(CzbDE& de, const MissileStart& s) {
                     s.targetX, s.targetY, s.targetZ, s.speed, s.acceleration})) {
         return run;
     }
-    // One simulated hour at the given rate, and never fewer than 100000 passes.
-    const uint64_t maxPasses = std::max<uint64_t>(100000u, 3600ull * rate);
+    // One simulated hour at the given rate, never fewer than 100000 passes, and never more
+    // than kMissilePassCeiling whatever the rate: a pass costs some 50 ns, so a run that
+    // neither ending stops is over in some 50 ms.
+    const uint64_t maxPasses =
+        std::min(kMissilePassCeiling, std::max<uint64_t>(100000u, 3600ull * rate));
     const double dt = 1.0 / static_cast<double>(rate);
     double x = s.x, y = s.y, z = s.z;
     double heading = s.heading, elevation = s.elevation, speed = s.speed;
@@ -169,9 +171,9 @@ MissileRun flyMissile(CzbDE& de, const MissileStart& s) {
 bool CzbDE::missilesim(double x, double y, double z, double heading, double elevation,
                        double headingStep, double elevationStep, double targetX, double targetY,
                        double targetZ, double speed, double acceleration, int frameRate) {
-    const detail::MissileStart start{x,       y,       z,       heading, elevation,
-                                     headingStep, elevationStep, targetX, targetY, targetZ,
-                                     speed,   acceleration, frameRate};
+    const detail::MissileStart start{
+        x,       y,       z,       heading, elevation,    headingStep, elevationStep,
+        targetX, targetY, targetZ, speed,   acceleration, frameRate};
     return detail::flyMissile(*this, start).captured;
 }
 

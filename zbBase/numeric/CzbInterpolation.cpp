@@ -2,22 +2,75 @@
 
 #include "zbBase/numeric/detail/zbTruncate.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <new>
+#include <utility>
 
 namespace zbBase {
 
-void CzbInterpolation::AddPoint(double x, double y) {
-    if (m_points.empty() || x > m_points.back().x) {
-        m_points.push_back({x, y});
-        return;
+namespace {
+
+// The most samples a result list holds: 2^24, 256 MiB of samples. Far more than any plot or
+// table needs (a sample a millisecond for four and a half hours), while a calculation that
+// reaches it stays well under a second and within memory that a host can spare.
+constexpr size_t kMaxSamples = size_t(1) << 24;
+
+// Reserves room for the samples to come where memory allows; without it the list grows as
+// they come.
+template <class T> void reserveWherePossible(std::vector<T>& list, size_t count) {
+    try {
+        list.reserve(count);
+    } catch (const std::bad_alloc&) {
     }
-    for (auto it = m_points.begin(); it != m_points.end(); ++it) {
-        if (it->x > x) {
-            m_points.insert(it, {x, y});
+}
+
+} // namespace
+
+CzbInterpolation::CzbInterpolation(const CzbInterpolation& other) {
+    // A copy that memory cannot hold whole gets what fits: the control points first.
+    try {
+        m_points = other.m_points;
+        m_results = other.m_results;
+    } catch (const std::bad_alloc&) {
+        if (m_points.size() != other.m_points.size()) {
+            m_points.clear();
+        }
+        m_results.clear();
+    }
+}
+
+CzbInterpolation& CzbInterpolation::operator=(const CzbInterpolation& other) {
+    if (this == &other) {
+        return *this;
+    }
+    // Built aside and swapped in, so a failed copy leaves the object as it was.
+    try {
+        std::vector<_Data> points(other.m_points);
+        std::vector<_Data> results(other.m_results);
+        m_points.swap(points);
+        m_results.swap(results);
+    } catch (const std::bad_alloc&) {
+    }
+    return *this;
+}
+
+void CzbInterpolation::AddPoint(double x, double y) {
+    // A point that memory cannot hold is dropped; the list stays as it was.
+    try {
+        if (m_points.empty() || x > m_points.back().x) {
+            m_points.push_back({x, y});
             return;
         }
+        for (auto it = m_points.begin(); it != m_points.end(); ++it) {
+            if (it->x > x) {
+                m_points.insert(it, {x, y});
+                return;
+            }
+        }
+    } catch (const std::bad_alloc&) {
     }
 }
 
@@ -54,44 +107,50 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
         return;
     }
     m_results.clear();
-    m_results.push_back(m_points[0]);
+    try {
+        m_results.push_back(m_points[0]);
 
-    const _Data* p = m_points.data();
-    std::vector<double> h(n, 0.0);
-    for (size_t i = 1; i < n; ++i) {
-        h[i] = p[i].x - p[i - 1].x;
-    }
-    std::vector<double> M(n, 0.0);
-    if (n >= 3) {
-        // The interior points 1 to n-2 keep their own indices in the system.
-        std::vector<double> sub(n - 1), diag(n - 1), sup(n - 1);
-        for (size_t i = 1; i + 1 < n; ++i) {
-            sub[i] = h[i] / 6;
-            diag[i] = (h[i] + h[i + 1]) / 3;
-            sup[i] = h[i + 1] / 6;
-            M[i] = (p[i + 1].y - p[i].y) / h[i + 1] - (p[i].y - p[i - 1].y) / h[i];
+        const _Data* p = m_points.data();
+        std::vector<double> h(n, 0.0);
+        for (size_t i = 1; i < n; ++i) {
+            h[i] = p[i].x - p[i - 1].x;
         }
-        solveTridiag(sub.data(), diag.data(), sup.data(), M.data(), static_cast<int>(n - 2));
-    }
+        std::vector<double> M(n, 0.0);
+        if (n >= 3) {
+            // The interior points 1 to n-2 keep their own indices in the system.
+            std::vector<double> sub(n - 1), diag(n - 1), sup(n - 1);
+            for (size_t i = 1; i + 1 < n; ++i) {
+                sub[i] = h[i] / 6;
+                diag[i] = (h[i] + h[i + 1]) / 3;
+                sup[i] = h[i + 1] / 6;
+                M[i] = (p[i + 1].y - p[i].y) / h[i + 1] - (p[i].y - p[i - 1].y) / h[i];
+            }
+            solveTridiag(sub.data(), diag.data(), sup.data(), M.data(), static_cast<int>(n - 2));
+        }
 
-    const int count = detail::truncToInt(steps);
-    if (count < 1) {
-        return;
-    }
-    const double dc = count;
-    if (static_cast<double>(n - 1) * dc < static_cast<double>(1 << 26)) {
-        m_results.reserve(1 + (n - 1) * static_cast<size_t>(count));
-    }
-    for (size_t i = 0; i + 1 < n; ++i) {
-        const double hi = h[i + 1];
-        const double x0 = p[i].x, y0 = p[i].y, y1 = p[i + 1].y;
-        const double m0 = M[i] / 6, m1 = M[i + 1] / 6;
-        for (int j = 1; j <= count; ++j) {
-            const double t = j * hi / dc;
-            const double u = hi - t;
-            const double y = ((y1 - m1 * (hi + t) * u) * t + (y0 - m0 * (hi + u) * t) * u) / hi;
-            m_results.push_back({x0 + t, y});
+        const int count = detail::truncToInt(steps);
+        if (count < 1) {
+            return;
         }
+        const double dc = count;
+        const size_t total = std::min(kMaxSamples, 1 + (n - 1) * static_cast<size_t>(count));
+        reserveWherePossible(m_results, total);
+        for (size_t i = 0; i + 1 < n; ++i) {
+            const double hi = h[i + 1];
+            const double x0 = p[i].x, y0 = p[i].y, y1 = p[i + 1].y;
+            const double m0 = M[i] / 6, m1 = M[i + 1] / 6;
+            // Samples of this interval that still fit the ceiling.
+            const int last =
+                static_cast<int>(std::min(static_cast<size_t>(count), total - m_results.size()));
+            for (int j = 1; j <= last; ++j) {
+                const double t = j * hi / dc;
+                const double u = hi - t;
+                const double y = ((y1 - m1 * (hi + t) * u) * t + (y0 - m0 * (hi + u) * t) * u) / hi;
+                m_results.push_back({x0 + t, y});
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        // Out of memory for the work arrays or the samples: what was made stays.
     }
 }
 
@@ -99,22 +158,44 @@ void CzbInterpolation::CaculationLinear(int /*unused*/) {
     if (m_points.empty()) {
         return;
     }
-    m_results.push_back(m_points[0]);
-    for (size_t i = 0; i + 1 < m_points.size(); ++i) {
-        const double x0 = m_points[i].x, y0 = m_points[i].y;
-        const double x1 = m_points[i + 1].x, y1 = m_points[i + 1].y;
-        const double slope = (y1 - y0) / (x1 - x0);
-        const double start = x0 + 1.0;
-        if (!(start > -2147483649.0 && start < 2147483648.0)) {
-            continue; // no whole abscissa an int can count from
+    try {
+        if (m_results.size() >= kMaxSamples) {
+            return;
         }
-        // The counter stops at INT_MAX rather than wrapping.
-        for (int k = detail::truncToInt(start); x1 >= static_cast<double>(k); ++k) {
-            m_results.push_back({static_cast<double>(k), (k - x0) * slope + y0});
-            if (k == INT_MAX) {
-                break;
+        // Room for every sample to come, up to the ceiling, so the list never moves.
+        double planned = 1.0;
+        for (size_t i = 0; i + 1 < m_points.size() && planned < kMaxSamples; ++i) {
+            const double start = m_points[i].x + 1.0;
+            const double end = std::min(std::floor(m_points[i + 1].x), 2147483647.0);
+            if (start > -2147483649.0 && start < 2147483648.0 && end >= std::trunc(start)) {
+                planned += end - std::trunc(start) + 1.0;
             }
         }
+        reserveWherePossible(m_results, m_results.size() + static_cast<size_t>(std::min(
+                                                               planned, double(kMaxSamples))));
+        m_results.push_back(m_points[0]);
+        for (size_t i = 0; i + 1 < m_points.size(); ++i) {
+            const double x0 = m_points[i].x, y0 = m_points[i].y;
+            const double x1 = m_points[i + 1].x, y1 = m_points[i + 1].y;
+            const double slope = (y1 - y0) / (x1 - x0);
+            const double start = x0 + 1.0;
+            if (!(start > -2147483649.0 && start < 2147483648.0)) {
+                continue; // no whole abscissa an int can count from
+            }
+            // The counter stops at INT_MAX rather than wrapping, and the samples at the
+            // ceiling.
+            for (int k = detail::truncToInt(start); x1 >= static_cast<double>(k); ++k) {
+                if (m_results.size() >= kMaxSamples) {
+                    return;
+                }
+                m_results.push_back({static_cast<double>(k), (k - x0) * slope + y0});
+                if (k == INT_MAX) {
+                    break;
+                }
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        // Out of memory for the samples: what was made stays.
     }
 }
 
@@ -129,35 +210,41 @@ void CzbInterpolation::CaculationPolinomial(double first, double last, double st
     if (!(step > 0.0) || !std::isfinite(first) || !std::isfinite(last) || first > last) {
         return;
     }
-    std::vector<double> x(n), c(n);
-    for (size_t i = 0; i < n; ++i) {
-        x[i] = m_points[i].x;
-        c[i] = m_points[i].y;
-    }
-    for (size_t k = 1; k < n; ++k) {
-        for (size_t i = 0; i + k < n; ++i) {
-            c[i] = (c[i + 1] - c[i]) / (x[i + k] - x[i]);
+    try {
+        std::vector<double> x(n), c(n);
+        for (size_t i = 0; i < n; ++i) {
+            x[i] = m_points[i].x;
+            c[i] = m_points[i].y;
         }
-    }
-    // The abscissa normally passes the end after floor(span) + 1 steps. Two more allow for
-    // rounding; the bound only bites when the step is below the spacing of doubles near the
-    // ends, where the abscissa would stand still for billions of passes.
-    const double span = (last - first) / step;
-    const int lastIndex =
-        span < static_cast<double>(INT_MAX - 2) ? static_cast<int>(span) + 2 : INT_MAX;
-    for (int i = 0;; ++i) {
-        const double a = i * step + first;
-        if (a > last) {
-            break;
+        for (size_t k = 1; k < n; ++k) {
+            for (size_t i = 0; i + k < n; ++i) {
+                c[i] = (c[i + 1] - c[i]) / (x[i + k] - x[i]);
+            }
         }
-        double value = c[0];
-        for (size_t j = 1; j < n; ++j) {
-            value = (a - x[j]) * value + c[j];
+        // The abscissa normally passes the end after floor(span) + 1 steps. Two more allow
+        // for rounding; that bound only bites when the step is below the spacing of doubles
+        // near the ends, where the abscissa would stand still for billions of passes. The
+        // ceiling on samples comes on top.
+        const double span = (last - first) / step;
+        const double maxIndex = static_cast<double>(kMaxSamples - 1);
+        const int lastIndex = static_cast<int>(span < maxIndex - 2 ? span + 2 : maxIndex);
+        reserveWherePossible(m_results, static_cast<size_t>(lastIndex) + 1);
+        for (int i = 0;; ++i) {
+            const double a = i * step + first;
+            if (a > last) {
+                break;
+            }
+            double value = c[0];
+            for (size_t j = 1; j < n; ++j) {
+                value = (a - x[j]) * value + c[j];
+            }
+            m_results.push_back({a, value});
+            if (i == lastIndex) {
+                break;
+            }
         }
-        m_results.push_back({a, value});
-        if (i == lastIndex) {
-            break;
-        }
+    } catch (const std::bad_alloc&) {
+        // Out of memory for the work arrays or the samples: what was made stays.
     }
 }
 

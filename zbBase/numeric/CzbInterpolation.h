@@ -10,6 +10,13 @@
 //    many points it oscillates as every full-degree interpolant does.
 // Points with equal x are not rejected: a zero interval gives infinities or NaN in the
 // samples, and the calculation still runs to its end. One object is for one thread at a time.
+//
+// Bounds: the result list holds at most 16777216 (2^24) samples, 256 MiB. A calculation stops
+// sampling when the list is full, or when memory for a sample or a work array runs out, and
+// keeps what it made; so a span of 1e12 or a step of 1e-320 ends within a fraction of a
+// second. No operation throws: a control point that memory cannot hold is dropped, a copy
+// that memory cannot hold whole starts without results (and without control points if those
+// do not fit either), and such an operator= changes nothing.
 #pragma once
 
 #include "zbBase/numeric/zbExport.h"
@@ -26,8 +33,8 @@ public:
     };
 
     CzbInterpolation() = default;
-    CzbInterpolation(const CzbInterpolation& other) = default;
-    CzbInterpolation& operator=(const CzbInterpolation& other) = default;
+    CzbInterpolation(const CzbInterpolation& other);
+    CzbInterpolation& operator=(const CzbInterpolation& other);
     ~CzbInterpolation() = default;
 
     // Inserts the point at its sorted place, behind points of equal x. A point whose x equals

@@ -7,6 +7,9 @@ namespace zbBase {
 class CzbDE;
 namespace detail {
 
+// The most passes one fly-out makes: one simulated hour at 277 frames per second.
+constexpr uint64_t kMissilePassCeiling = 1000000;
+
 struct MissileRun {
     bool captured = false; // both channels locked onto the target
     uint64_t passes = 0;   // passes flown, the last one included

@@ -1,0 +1,7 @@
+# Deadlines of their own for the fault cases whose calculation would run for hours or days
+# without its bound (included by ctest after the discovered tests; names that are not there,
+# as in the one-test-per-program Windows runs, are ignored).
+set_tests_properties(NumericFault.MissileEndsSoonAtAnyFrameRate
+                     NumericFault.InterpolationStopsAtItsSampleCeiling
+                     NumericFault.InterpolationKeepsWhatItMadeWhenMemoryRunsOut
+                     PROPERTIES TIMEOUT 120)
