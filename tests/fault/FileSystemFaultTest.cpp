@@ -229,7 +229,11 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     EXPECT_EQ(zbtest::readBytes(dir.path() / "moved" / "sub" / "deep.txt"), "keep too");
     EXPECT_TRUE(survived());
 
-    // A move that cannot complete keeps the link.
+    // A move that cannot complete keeps the link, and so does a move of a link to nothing.
+    fs::create_directory_symlink(dir.path() / "nowhere", dir.path() / "dangling");
+    CzbFileUtil::MoveFolder(Text(lib(dir.path() / "dangling")), Text(lib(dir.path() / "m0")),
+                            false);
+    EXPECT_TRUE(fs::is_symlink(dir.path() / "dangling"));
     zbtest::writeBytes(outside / ".git" / "config", "not copied");
     fs::create_directory_symlink(outside, dir.path() / "link");
     CzbFileUtil::MoveFolder(Text(lib(dir.path() / "link")), Text(lib(dir.path() / "moved2")),

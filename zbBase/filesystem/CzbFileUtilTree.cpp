@@ -4,7 +4,6 @@
 #include "zbBase/platform/detail/zbpFileOps.h"
 #include "zbBase/platform/detail/zbpFind.h"
 
-#include <errno.h>
 #include <string.h>
 #include <string>
 
@@ -51,7 +50,7 @@ bool wholeTreeCopied(const std::string& source, const std::string& target) {
     __finddata64_t data;
     intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
     if (handle == -1) {
-        return errno == ENOENT;
+        return false; // nothing behind it could be listed, so nothing was copied
     }
     bool whole = true;
     do {
