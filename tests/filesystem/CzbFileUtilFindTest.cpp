@@ -2,8 +2,19 @@
 
 #include <zbBase/filesystem/CzbFileUtil.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <ctime>
+
+#if !defined(_WIN32)
+#include "support/zbFaults.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#endif
 
 using fstest::TempTree;
 using fstest::Text;
@@ -201,4 +212,228 @@ TEST(CzbFileUtilFind, SymbolicLinksAreNeverEntered) {
     EXPECT_FALSE(fs::exists(tree.path("walk")));
     EXPECT_EQ(fstest::readFile(tree.path("outside/precious.txt")), "keep");
 }
+#endif
+
+TEST(CzbFileUtilFind, EntriesNearThePathLimits) {
+    TempTree tree;
+    // A folder whose path with its closing backslash is 254 characters: a name of 5 characters
+    // makes a stored path of exactly 259, one of 6 passes the limit and is left out.
+    const size_t rootLength = tree.text().size();
+    ASSERT_LT(rootLength, 200u);
+    const std::string folder(252 - rootLength, 'd');
+    tree.file(folder + "/a.txt", "fits");
+    tree.file(folder + "/ab.txt", "too long");
+    tree.file(folder + "/c.txt", "fits");
+    CzbFileUtil util;
+    util.FindFile(Text(tree.text("*.txt")), true);
+    ASSERT_EQ(util.getFindData()->size(), 2u);
+    EXPECT_EQ(std::string(util.m_findData[0].name), tree.text(folder + "\\a.txt"));
+    EXPECT_EQ(strlen(util.m_findData[0].name), 259u);
+    EXPECT_EQ(std::string(util.m_findData[1].name), tree.text(folder + "\\c.txt"));
+    EXPECT_EQ(util.getFindSubDirCount(), 1);
+#if !defined(_WIN32)
+    // Folders are entered up to a path of 511 characters with the closing backslash; what lies
+    // deeper is not walked. Nothing there fits a stored path, so the count tells.
+    const std::string a(200, 'a');
+    const std::string b(200, 'b');
+    const size_t below = rootLength + 1 + 5 + 201 + 201; // root\deep\a...\b...\ .
+    const size_t rest = 511 - below - 1;
+    tree.dir("deep/" + a + "/" + b + "/" + std::string(rest - 5, 'c') + "/x");
+    tree.dir("deep/" + a + "/" + b + "/" + std::string(rest, 'e') + "/x");
+    tree.dir("deep/" + a + "/" + b + "/" + std::string(rest + 1, 'f') + "/x");
+    util.FindFolder(Text(tree.text("deep\\*")), true);
+    // The start (it lists a), a, a\b, a\b\c..., a\b\c...\x, a\b\e... (511 exactly); neither
+    // f... (512) nor e...\x is entered.
+    EXPECT_EQ(util.getFindSubDirCount(), 1 + 5);
+    // Only a fits a stored path.
+    EXPECT_EQ(fstest::names(util.m_findData), std::vector<std::string>{tree.text("deep\\" + a)});
+#endif
+}
+
+#if !defined(_WIN32)
+
+namespace {
+
+void stamp(const fs::path& path, long long seconds) {
+    struct timespec times[2] = {{seconds, 0}, {seconds + 1, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+long long changed(const fs::path& path) {
+    struct stat info;
+    return lstat(path.c_str(), &info) == 0 ? static_cast<long long>(info.st_ctime) : -1;
+}
+
+size_t openDescriptors() {
+    size_t n = 0;
+    for (auto it = fs::directory_iterator("/proc/self/fd"); it != fs::directory_iterator(); ++it) {
+        ++n;
+    }
+    return n;
+}
+
+} // namespace
+
+TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
+    TempTree tree;
+    // Names in upper-case byte order, ties by their bytes; a leading dot sorts first.
+    const std::vector<std::string> order = {".a.txt", "a-b.txt", "A.txt", "a.txt",  "a0.txt",
+                                            "b.txt",  "Z.txt",   "[.txt", "_u.txt", "\xc3\xa9.txt"};
+    std::vector<std::string> created = order;
+    std::reverse(created.begin(), created.end());
+    long long second = 1500000000;
+    for (const std::string& name : created) {
+        tree.file(name, std::string(name.size(), 'x'));
+        stamp(tree.path(name), second += 100);
+    }
+    chmod(tree.path("b.txt").c_str(), 0444);
+    tree.file("sub/inner.txt", "123");
+    fs::create_directory_symlink(tree.path("sub"), tree.path("to_sub.txt"));
+    fs::create_symlink(tree.path("b.txt"), tree.path("to_b.txt"));
+    fs::create_symlink(tree.path("gone"), tree.path("to_gone.txt"));
+    stamp(tree.path("sub"), 1600000000);
+    stamp(tree.path("to_sub.txt"), 1700000000);
+    stamp(tree.path("to_b.txt"), 1700000100);
+    stamp(tree.path("to_gone.txt"), 1700000200);
+
+    CzbFileUtil util;
+    util.FindFile(Text(tree.text("*.txt")), true);
+    std::vector<std::string> expected;
+    for (const std::string& name : order) {
+        expected.push_back(tree.text(name));
+    }
+    // The links sort between b.txt and Z.txt; the subfolder's matches come last.
+    expected.insert(expected.begin() + 6,
+                    {tree.text("to_b.txt"), tree.text("to_gone.txt"), tree.text("to_sub.txt")});
+    expected.push_back(tree.text("sub\\inner.txt"));
+    EXPECT_EQ(fstest::names(util.m_findData), expected);
+    EXPECT_EQ(util.getFindSubDirCount(), 2);
+
+    struct Record {
+        unsigned attrib;
+        long long size;
+        long long written;
+        long long created;
+    };
+    auto record = [&](const std::string& name) {
+        __finddata64_t* entry = util.getFindData(Text(name));
+        EXPECT_NE(entry, nullptr) << name;
+        if (entry == nullptr) {
+            return Record{0, -1, -1, -1};
+        }
+        EXPECT_EQ(entry->time_access + 1, entry->time_write) << name;
+        return Record{entry->attrib, entry->size, entry->time_write, entry->time_create};
+    };
+    Record a = record("a.txt");
+    EXPECT_EQ(a.attrib, 0x20u);
+    EXPECT_EQ(a.size, 5);
+    EXPECT_EQ(a.written, 1500000000 + 100 * 7 + 1);
+    EXPECT_EQ(a.created, changed(tree.path("a.txt")));
+    Record b = record("b.txt");
+    EXPECT_EQ(b.attrib, 0x21u); // the owner may not write
+    // Links: the record of the target; of a folder with size 0; of the link itself if there is
+    // no target. None has the folder bit, none is entered.
+    Record toB = record("to_b.txt");
+    EXPECT_EQ(toB.attrib, 0x21u);
+    EXPECT_EQ(toB.size, 5);
+    EXPECT_EQ(toB.written, b.written);
+    Record toSub = record("to_sub.txt");
+    EXPECT_EQ(toSub.attrib, 0x20u);
+    EXPECT_EQ(toSub.size, 0);
+    EXPECT_EQ(toSub.written, 1600000001);
+    Record toGone = record("to_gone.txt");
+    EXPECT_EQ(toGone.attrib, 0x20u);
+    EXPECT_EQ(toGone.size, static_cast<long long>(tree.path("gone").string().size()));
+    EXPECT_EQ(toGone.written, 1700000201);
+
+    // Folders: the folder bit, size 0, their own times; read-only ones carry 0x01.
+    tree.dir("ro");
+    stamp(tree.path("ro"), 1650000000);
+    chmod(tree.path("ro").c_str(), 0555);
+    util.FindFolder(Text(tree.text("*")), false);
+    EXPECT_EQ(fstest::names(util.m_findData),
+              (std::vector<std::string>{tree.text("ro"), tree.text("sub")}));
+    EXPECT_EQ(util.m_findData[0].attrib, 0x11u);
+    EXPECT_EQ(util.m_findData[0].size, 0);
+    EXPECT_EQ(util.m_findData[0].time_write, 1650000001);
+    EXPECT_EQ(util.m_findData[1].attrib, 0x10u);
+    chmod(tree.path("ro").c_str(), 0755);
+
+    // A folder of many entries (several reads of the folder) comes out whole and in order.
+    tree.dir("many");
+    std::vector<std::string> many;
+    for (int i = 2999; i >= 0; --i) {
+        char name[80];
+        snprintf(name, sizeof name, "F%04d_%s.dat", i, std::string(50, i % 2 ? 'x' : 'X').c_str());
+        tree.file(std::string("many/") + name, "");
+        many.insert(many.begin(), tree.text(std::string("many\\") + name));
+    }
+    util.FindFile(Text(tree.text("many\\*")), false);
+    EXPECT_EQ(fstest::names(util.m_findData), many);
+}
+
+TEST(CzbFileUtilFind, AFolderThatCannotBeReadEndsNothing) {
+    TempTree tree;
+    tree.file("a/1.txt");
+    tree.file("a/locked/2.txt");
+    tree.file("a/z/3.txt");
+    fs::permissions(tree.root(),
+                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(tree.path("a/locked"), fs::perms::owner_all);
+    const std::string all = tree.text("a\\*.txt");
+    const std::string locked = tree.text("a\\locked\\*.txt");
+    int rc = zbtest::asUnprivileged([&] {
+        CzbFileUtil util;
+        util.FindFile(Text(all), true);
+        int failures = util.getFindData()->size() == 2 ? 0 : 1;
+        failures |= util.getFindSubDirCount() == 3 ? 0 : 2; // the locked folder counts
+        failures |= util.getLastError() == ENOENT ? 0 : 4;
+        util.FindFile(Text(locked), false);
+        failures |= util.getFindData()->empty() && util.getLastError() == EACCES ? 0 : 8;
+        util.FindFolder(Text(tree.text("a\\*")), true);
+        failures |= util.getFindData()->size() == 2 ? 0 : 16;
+        return failures;
+    });
+    EXPECT_EQ(rc, 0);
+    fs::permissions(tree.path("a/locked"), fs::perms::owner_all);
+}
+
+TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
+    TempTree tree;
+    std::string deep;
+    for (int level = 0; level < 24; ++level) {
+        deep += "level" + std::to_string(level) + "/";
+        tree.file(deep + "f.txt", std::to_string(level));
+        tree.file(deep + "side" + std::to_string(level) + "/g.txt");
+    }
+    CzbFileUtil util;
+    util.FindFile(Text(tree.text("*.txt")), true);
+    const std::vector<std::string> whole = fstest::names(util.m_findData);
+    const int folders = util.getFindSubDirCount();
+    ASSERT_EQ(whole.size(), 48u);
+    ASSERT_EQ(folders, 48);
+
+    // One descriptor above those open now: the walk cannot hold one per level.
+    const size_t before = openDescriptors();
+    int highest = 0;
+    for (auto it = fs::directory_iterator("/proc/self/fd"); it != fs::directory_iterator(); ++it) {
+        highest = std::max(highest, std::stoi(it->path().filename().string()));
+    }
+    struct rlimit saved;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
+    struct rlimit tight = saved;
+    tight.rlim_cur = static_cast<rlim_t>(highest + 2);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &tight), 0);
+    util.FindFile(Text(tree.text("*.txt")), true);
+    std::vector<std::string> found = fstest::names(util.m_findData);
+    int count = util.getFindSubDirCount();
+    util.FindFolder(Text(tree.text("side*")), true);
+    size_t sides = util.getFindData()->size();
+    setrlimit(RLIMIT_NOFILE, &saved);
+    EXPECT_EQ(found, whole);
+    EXPECT_EQ(count, folders);
+    EXPECT_EQ(sides, 24u);
+    EXPECT_EQ(openDescriptors(), before); // every folder closed again
+}
+
 #endif

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -14,6 +15,8 @@
 #include <process.h>
 #define ZBP_TEST_PID _getpid()
 #else
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #define ZBP_TEST_PID getpid()
 #endif
@@ -206,3 +209,117 @@ TEST(zbpFileOps, RenameRemoveAndCopyKeepTheWindowsRules) {
     EXPECT_EQ(zbp::_rmdir((folder.text("m") + "\\").c_str()), 0);
     EXPECT_FALSE(fs::exists(folder.path("m")));
 }
+
+TEST(zbpFileOps, CopyOverAFileGoesBesideItAndKeepsTheRecord) {
+    Folder folder;
+    folder.file("src.bin", std::string(70000, 's'));
+    folder.file("dst.bin", "old");
+    auto count = [&] {
+        size_t n = 0;
+        for (auto it = fs::directory_iterator(folder.path("")); it != fs::directory_iterator();
+             ++it) {
+            ++n;
+        }
+        return n;
+    };
+    const fs::file_time_type written =
+        fs::last_write_time(folder.path("src.bin")) - std::chrono::hours(50);
+    fs::last_write_time(folder.path("src.bin"), written);
+#if !defined(_WIN32)
+    fs::permissions(folder.path("src.bin"),
+                    fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+#endif
+    EXPECT_TRUE(
+        zbp::CopyFileA(folder.text("src.bin").c_str(), folder.text("dst.bin").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("dst.bin")), std::string(70000, 's'));
+    EXPECT_EQ(fs::last_write_time(folder.path("dst.bin")), written);
+    EXPECT_EQ(count(), 2u); // nothing left beside the target
+#if !defined(_WIN32)
+    EXPECT_EQ(fs::status(folder.path("dst.bin")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+#endif
+    // A read-only target is refused, as the system refuses it, and keeps its bytes.
+    folder.file("ro.bin", "read only");
+    fs::permissions(folder.path("ro.bin"),
+                    fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+#if defined(_WIN32)
+    EXPECT_FALSE(
+        zbp::CopyFileA(folder.text("src.bin").c_str(), folder.text("ro.bin").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("ro.bin")), "read only");
+#endif
+    fs::permissions(folder.path("ro.bin"), fs::perms::owner_write, fs::perm_options::add);
+    EXPECT_EQ(count(), 3u);
+
+#if !defined(_WIN32)
+    // The target name gets a new file: a hard link to the old one keeps the old bytes.
+    fs::create_hard_link(folder.path("ro.bin"), folder.path("twin.bin"));
+    EXPECT_TRUE(
+        zbp::CopyFileA(folder.text("src.bin").c_str(), folder.text("ro.bin").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("twin.bin")), "read only");
+    EXPECT_EQ(read(folder.path("ro.bin")), std::string(70000, 's'));
+
+    // A pipe as the source is no file to copy: refused at once, never waited on.
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(
+        zbp::CopyFileA(folder.text("pipe").c_str(), folder.text("dst.bin").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("dst.bin")), std::string(70000, 's'));
+#endif
+}
+
+#if !defined(_WIN32)
+TEST(zbpFind, LinksAreListedWithTheirTargetsRecord) {
+    Folder folder;
+    folder.file("target.txt", "12345");
+    fs::create_directories(folder.path("dir"));
+    fs::create_symlink(folder.path("target.txt"), folder.path("to_file"));
+    fs::create_directory_symlink(folder.path("dir"), folder.path("to_dir"));
+    fs::create_symlink(folder.path("none"), folder.path("to_none"));
+    // Distinct times for every node, the links' own ones included.
+    auto stamp = [&](const char* name, long long seconds) {
+        struct timespec times[2] = {{seconds, 0}, {seconds + 1, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, folder.path(name).c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+    };
+    stamp("target.txt", 1000000000);
+    stamp("dir", 1100000000);
+    stamp("to_file", 1200000000);
+    stamp("to_dir", 1300000000);
+    stamp("to_none", 1400000000);
+    chmod(folder.path("target.txt").c_str(), 0444);
+
+    struct Expected {
+        const char* name;
+        unsigned attrib;
+        long long size;
+        long long written;
+    } expected[] = {
+        {"to_dir", _A_ARCH, 0, 1100000001},
+        {"to_file", _A_ARCH | _A_RDONLY, 5, 1000000001},
+        {"to_none", _A_ARCH, static_cast<long long>(folder.path("none").string().size()),
+         1400000001},
+    };
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(folder.text("to_*").c_str(), &data);
+    ASSERT_NE(handle, -1);
+    for (const Expected& e : expected) {
+        SCOPED_TRACE(e.name);
+        EXPECT_STREQ(data.name, e.name);
+        EXPECT_EQ(data.attrib, e.attrib);
+        EXPECT_EQ(data.size, e.size);
+        EXPECT_EQ(data.time_write, e.written);
+        EXPECT_EQ(data.time_access, e.written - 1);
+        zbp::_findnext64(handle, &data);
+    }
+    zbp::_findclose(handle);
+
+    EXPECT_TRUE(zbp::isFolderLink(folder.text("to_dir").c_str()));
+    EXPECT_TRUE(zbp::isFolderLink((folder.text("to_dir") + "\\").c_str()));
+    EXPECT_TRUE(zbp::isFolderLink(folder.text("to_none").c_str()));
+    EXPECT_FALSE(zbp::isFolderLink(folder.text("to_file").c_str()));
+    EXPECT_FALSE(zbp::isFolderLink(folder.text("dir").c_str()));
+    EXPECT_EQ(zbp::removeFolderLink(folder.text("to_file").c_str()), -1);
+    EXPECT_EQ(zbp::removeFolderLink((folder.text("to_dir") + "\\").c_str()), 0);
+    EXPECT_FALSE(fs::is_symlink(folder.path("to_dir")));
+    EXPECT_TRUE(fs::is_directory(folder.path("dir")));
+}
+#endif

@@ -58,13 +58,17 @@ public:
     // ---- batch operations ----
     // Copies the tree `source` into `target` (created if missing, its parent must exist),
     // replacing files of the same name; folders whose names begin with a dot are left out.
-    // 1 if `source` could be listed, else 0. The flag has no effect.
+    // A file is replaced only by a complete copy: a failed copy keeps the old file. 1 if
+    // `source` could be listed, else 0, whatever the copies did. The flag has no effect.
     static int CopyFolder(char* source, char* target, bool flag);
     // Copies, then deletes from `source` each file whose copy is complete and byte-identical,
-    // and each folder left empty. What could not be copied stays. Always 0.
+    // and each folder left empty. What could not be copied stays. A symbolic link given as
+    // `source` is removed itself once everything behind it arrived. Always 0.
     static int MoveFolder(char* source, char* target, bool flag);
     // Deletes the tree `path` and the folder itself; a folder whose name begins with a dot is
-    // not entered, so it and its parents stay. The flag has no effect.
+    // not entered, so it and its parents stay. A symbolic link to a folder given as `path`
+    // (closing separator or not) is removed as a link: what it points to is never touched.
+    // The flag has no effect.
     static void DeleteFolder(char* path, bool flag);
     // Creates `path` (backslash-separated, at most 255 characters) and every missing folder
     // above it.

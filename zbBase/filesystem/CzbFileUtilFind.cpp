@@ -3,6 +3,7 @@
 
 #include "zbBase/platform/detail/zbpFileOps.h"
 #include "zbBase/platform/detail/zbpFind.h"
+#include "zbBase/platform/detail/zbpFindTree.h"
 #include "zbBase/platform/detail/zbpPath.h"
 
 #include <errno.h>
@@ -14,65 +15,9 @@ namespace {
 const size_t kFolderLimit = 511;  // an absolute folder, closing backslash included
 const size_t kPatternLimit = 255; // the last component of a search path
 const size_t kDirLimit = 255;     // the directory part of a search path
-const size_t kEntryLimit = 259;   // a stored full path
 
 bool isSeparator(char c) {
     return c == '\\' || c == '/';
-}
-
-// Adds to `out` the entries of `folder` that match `pattern`: files, or folders whose names
-// do not begin with a dot. An entry whose full path would pass the limit is left out.
-// Returns whether the listing found anything at all.
-bool collect(const char* folder, const char* pattern, bool folders,
-             std::vector<__finddata64_t>& out) {
-    std::string search = std::string(folder) + pattern;
-    __finddata64_t data;
-    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
-    if (handle == -1) {
-        return false;
-    }
-    size_t folderLength = strlen(folder);
-    do {
-        bool isFolder = (data.attrib & _A_SUBDIR) != 0;
-        bool wanted = folders ? isFolder && data.name[0] != '.' : !isFolder;
-        size_t nameLength = strlen(data.name);
-        if (wanted && folderLength + nameLength <= kEntryLimit) {
-            out.push_back(data);
-            __finddata64_t& entry = out.back();
-            memcpy(entry.name, folder, folderLength);
-            memcpy(entry.name + folderLength, data.name, nameLength + 1);
-        }
-    } while (zbp::_findnext64(handle, &data) == 0);
-    zbp::_findclose(handle);
-    return true;
-}
-
-// Calls step(sub, pattern) for every folder of `folder` whose name does not begin with a
-// dot, in listing order; `sub` is the folder's path with a closing backslash.
-template <class Step> void descend(const char* folder, Step step) {
-    std::string search = std::string(folder) + "*.*";
-    __finddata64_t data;
-    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
-    if (handle == -1) {
-        return;
-    }
-    size_t folderLength = strlen(folder);
-    do {
-        if ((data.attrib & _A_SUBDIR) == 0 || data.name[0] == '.') {
-            continue;
-        }
-        size_t nameLength = strlen(data.name);
-        if (folderLength + nameLength + 1 > kFolderLimit) {
-            continue;
-        }
-        char sub[kFolderLimit + 1];
-        memcpy(sub, folder, folderLength);
-        memcpy(sub + folderLength, data.name, nameLength);
-        sub[folderLength + nameLength] = '\\';
-        sub[folderLength + nameLength + 1] = '\0';
-        step(sub);
-    } while (zbp::_findnext64(handle, &data) == 0);
-    zbp::_findclose(handle);
 }
 
 void copyOut(const std::string& text, char* buffer, int size) {
@@ -182,19 +127,12 @@ void CzbFileUtil::FindFile(char* path, bool subDir) {
         m_lastError = path == nullptr ? EINVAL : ENAMETOOLONG;
         return;
     }
-    if (collect(folder, pattern, false, m_findData)) {
-        ++m_subDirCount;
-    }
-    if (subDir) {
-        descend(folder, [&](char* sub) { FindFileSubDir(sub, pattern); });
-    }
-    m_lastError = errno;
+    m_lastError =
+        zbp::searchTree(folder, pattern, {false, subDir, false}, m_findData, m_subDirCount);
 }
 
 void CzbFileUtil::FindFileSubDir(char* folder, char* pattern) {
-    ++m_subDirCount;
-    collect(folder, pattern, false, m_findData);
-    descend(folder, [&](char* sub) { FindFileSubDir(sub, pattern); });
+    zbp::searchTree(folder, pattern, {false, true, true}, m_findData, m_subDirCount);
 }
 
 void CzbFileUtil::FindFolder(char* path, bool subDir) {
@@ -206,17 +144,10 @@ void CzbFileUtil::FindFolder(char* path, bool subDir) {
         m_lastError = path == nullptr ? EINVAL : ENAMETOOLONG;
         return;
     }
-    if (collect(folder, pattern, true, m_findData)) {
-        ++m_subDirCount;
-    }
-    if (subDir) {
-        descend(folder, [&](char* sub) { FindFolderSubDir(sub, pattern); });
-    }
-    m_lastError = errno;
+    m_lastError =
+        zbp::searchTree(folder, pattern, {true, subDir, false}, m_findData, m_subDirCount);
 }
 
 void CzbFileUtil::FindFolderSubDir(const char* folder, const char* pattern) {
-    ++m_subDirCount;
-    collect(folder, pattern, true, m_findData);
-    descend(folder, [&](char* sub) { FindFolderSubDir(sub, pattern); });
+    zbp::searchTree(folder, pattern, {true, true, true}, m_findData, m_subDirCount);
 }

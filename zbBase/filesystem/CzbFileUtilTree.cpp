@@ -40,10 +40,51 @@ template <typename Visit> bool forEachEntry(const std::string& folder, size_t li
     return true;
 }
 
+// Whether every file below `source` has a complete, byte-identical twin in `target` and
+// nothing below was left out of the copy (a folder whose name begins with a dot).
+bool wholeTreeCopied(const std::string& source, const std::string& target) {
+    std::string search = source + "\\*.*";
+    if (search.size() > kCopyLimit) {
+        return false;
+    }
+    __finddata64_t data;
+    intptr_t handle = zbp::_findfirst64(search.c_str(), &data);
+    if (handle == -1) {
+        return false; // nothing behind it could be listed, so nothing was copied
+    }
+    bool whole = true;
+    do {
+        const bool isFolder = (data.attrib & _A_SUBDIR) != 0;
+        if (isFolder && (strcmp(data.name, ".") == 0 || strcmp(data.name, "..") == 0)) {
+            continue;
+        }
+        std::string from = source + "\\" + data.name;
+        std::string to = target + "\\" + data.name;
+        if (isFolder && data.name[0] == '.') {
+            whole = false;
+        } else if (from.size() > kCopyLimit || to.size() > kCopyLimit) {
+            whole = false;
+        } else if (isFolder) {
+            whole = wholeTreeCopied(from, to) && whole;
+        } else {
+            whole = zbp::sameFileContent(from.c_str(), to.c_str()) && whole;
+        }
+    } while (whole && zbp::_findnext64(handle, &data) == 0);
+    zbp::_findclose(handle);
+    return whole;
+}
+
 // Deletes from `source` each file whose twin in `target` is complete and byte-identical,
 // then each folder left empty. Folders whose names begin with a dot were not copied and
-// are not entered.
+// are not entered. A link given as the source, or met as a folder on the way, is removed as
+// a link once everything behind it has its twin: the files it points to stay where they are.
 void removeCopied(const std::string& source, const std::string& target) {
+    if (zbp::isFolderLink(source.c_str())) {
+        if (wholeTreeCopied(source, target)) {
+            zbp::removeFolderLink(source.c_str());
+        }
+        return;
+    }
     const bool listed = forEachEntry(source, kCopyLimit, [&](const char* name, bool isFolder) {
         std::string from = source + "\\" + name;
         std::string to = target + "\\" + name;
@@ -112,6 +153,12 @@ int CzbFileUtil::MoveFolder(char* source, char* target, bool flag) {
 void CzbFileUtil::DeleteFolder(char* path, bool flag) {
     // An empty text would name the root folder.
     if (isEmpty(path)) {
+        return;
+    }
+    // A link given as the folder (or met as one on the way, where the platform lists links as
+    // folders) goes as a link: the files it points to are never touched.
+    if (zbp::isFolderLink(path)) {
+        zbp::removeFolderLink(path);
         return;
     }
     std::string folder = path;

@@ -1,5 +1,6 @@
 #include "zbBase/filesystem/zbPathFileUtil.h"
 
+#include "zbBase/platform/detail/zbpAtomicFile.h"
 #include "zbBase/platform/detail/zbpFileIO.h"
 #include "zbBase/platform/detail/zbpFileOps.h"
 #include "zbBase/platform/detail/zbpFind.h"
@@ -17,34 +18,40 @@ const size_t kDriveSize = 16;   // parts of a split path
 const size_t kPartSize = 256;   // directory, file name, extension
 const size_t kFolderSize = 256; // working copy in CreateFolder
 
-// The copy loop of CopytoFile on two open files; closes both.
-void copyAndClose(FILE* in, FILE* out) {
+enum CopyResult { kNotOpened, kFailed, kCopied };
+
+// CopytoFile's copy: the target is written beside itself and renamed into place only when every
+// block was read and written, so a failed copy leaves the old target as it was.
+CopyResult copyFile(const char* source, const char* target) {
+    FILE* in = zbp::fopen(source, "rb");
+    if (in == nullptr) {
+        return kNotOpened;
+    }
+    if (zbp::sameFile(source, target)) {
+        // The target already holds the bytes; writing it would only put them back.
+        fclose(in);
+        return kCopied;
+    }
+    zbp::AtomicFile out;
+    out.skipSync(); // a copy, as the platform's own copy leaves it to the write-back
+    if (!out.open(target, "wb")) {
+        fclose(in);
+        return kNotOpened;
+    }
     char block[kBlockSize];
     size_t n;
     while ((n = fread(block, 1, sizeof block, in)) > 0) {
-        fwrite(block, 1, n, out);
+        if (fwrite(block, 1, n, out.stream()) != n) {
+            out.fail();
+            break;
+        }
     }
-    fclose(out);
+    if (ferror(in) != 0) {
+        out.fail(); // a read error: the copy would be short
+    }
+    const bool ok = out.commit();
     fclose(in);
-}
-
-bool copyFile(const char* source, const char* target) {
-    FILE* in = zbp::fopen(source, "rb");
-    if (in == nullptr) {
-        return false;
-    }
-    if (zbp::sameFile(source, target)) {
-        // Opening the target for writing would empty the source: it already holds the bytes.
-        fclose(in);
-        return true;
-    }
-    FILE* out = zbp::fopen(target, "wb");
-    if (out == nullptr) {
-        fclose(in);
-        return false;
-    }
-    copyAndClose(in, out);
-    return true;
+    return ok ? kCopied : kFailed;
 }
 
 // "%s%s" of drive and directory of `pattern` into `folder` (kPathSize bytes); false when a
@@ -81,7 +88,7 @@ bool zbPathFileUtil::CopytoFile(char* source, char* target) {
     if (source == nullptr || target == nullptr) {
         return false;
     }
-    return copyFile(source, target);
+    return copyFile(source, target) == kCopied;
 }
 
 bool zbPathFileUtil::CopytoFolder(char* pattern, char* folder) {
@@ -94,6 +101,7 @@ bool zbPathFileUtil::CopytoFolder(char* pattern, char* folder) {
     if (handle == -1) {
         return false;
     }
+    bool allCopied = true;
     do {
         if ((data.attrib & _A_SUBDIR) != 0) {
             continue;
@@ -101,12 +109,12 @@ bool zbPathFileUtil::CopytoFolder(char* pattern, char* folder) {
         char source[kPathSize];
         char target[kPathSize];
         if (buildPath(source, "%s%s", from, data.name) &&
-            buildPath(target, "%s/%s", folder, data.name)) {
-            copyFile(source, target);
+            buildPath(target, "%s/%s", folder, data.name) && copyFile(source, target) == kFailed) {
+            allCopied = false;
         }
     } while (zbp::_findnext64i32(handle, &data) == 0);
     zbp::_findclose(handle);
-    return true;
+    return allCopied;
 }
 
 bool zbPathFileUtil::RemoveFile(char* pattern) {

@@ -3,10 +3,12 @@
 //
 // A pattern is a path whose last part may hold '*' and '?'; only the one folder of the
 // pattern is looked at, and folders in it are left alone. Either separator is accepted.
-// Copies go through a block of 4096 bytes. Built paths hold at most 259 characters, the
+// Copies go through a block of 4096 bytes and a new file beside the target (a copy needs the
+// right to create files in the target's folder). Built paths hold at most 259 characters, the
 // directory part of a pattern at most 255 and the path of CreateFolder at most 255: a path
 // over a limit is refused (nothing done, false where there is a result), never cut.
-// No state, no lock; the operations allocate nothing themselves.
+// No state, no lock; buffers are local and of fixed size (a copy allocates only the name of
+// its new file).
 #pragma once
 
 #include "zbBase/numeric/zbExport.h"
@@ -20,11 +22,14 @@ public:
     zbPathFileUtil& operator=(const zbPathFileUtil&) = default;
     ~zbPathFileUtil() = default;
 
-    // Copies `source` onto `target` (replaced if it exists). True if both files could be
-    // opened; reads and writes are not checked. A missing source leaves the target alone.
+    // Copies `source` onto `target` (replaced if it exists). The copy is written beside the
+    // target and renamed over it only when complete, so a failed copy leaves the old target as
+    // it was. True when both files could be opened and every read, write and the rename
+    // succeeded; a missing source leaves the target alone.
     static bool CopytoFile(char* source, char* target);
     // Copies each file matching `pattern` into the existing folder `folder` (as folder "/"
-    // name). True if the pattern matched anything, copied or not.
+    // name), each as CopytoFile does. True if the pattern matched anything, except that a copy
+    // that failed after both files opened makes it false; a file that does not open is skipped.
     static bool CopytoFolder(char* pattern, char* folder);
     // Deletes each file matching `pattern`. True if the pattern matched anything.
     static bool RemoveFile(char* pattern);

@@ -1,7 +1,10 @@
 #include "zbBase/platform/detail/zbpFileOps.h"
+#include "zbBase/platform/detail/zbpAtomicFile.h"
 #include "zbBase/platform/detail/zbpPath.h"
 
+#include <atomic>
 #include <errno.h>
+#include <stdio.h>
 #include <string.h>
 #include <string>
 
@@ -17,7 +20,66 @@
 
 namespace zbp {
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+
+namespace {
+
+// A name for a new file in the folder of `target`: "<target>.~zbXXXXXXXX", or
+// "~zbXXXXXXXX.tmp" beside it where the first would pass 259 characters.
+std::string besideName(const std::string& target, unsigned long tag) {
+    char suffix[16];
+    snprintf(suffix, sizeof suffix, "%08lx", tag & 0xFFFFFFFFul);
+    std::string name = target + ".~zb" + suffix;
+    if (name.size() > 259) {
+        size_t separator = target.find_last_of("\\/");
+        name = (separator == std::string::npos ? std::string() : target.substr(0, separator + 1)) +
+               "~zb" + suffix + ".tmp";
+    }
+    return name;
+}
+
+} // namespace
+
+BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists) {
+    if (existingFile == nullptr || newFile == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    const DWORD attributes = GetFileAttributesA(newFile);
+    if (failIfExists || attributes == INVALID_FILE_ATTRIBUTES ||
+        (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        return ::CopyFileA(existingFile, newFile, failIfExists); // no old file at stake
+    }
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0 || sameFile(existingFile, newFile)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    }
+    static std::atomic<unsigned long> counter{0};
+    const unsigned long seed = (GetCurrentProcessId() << 16) ^ GetTickCount();
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const std::string beside = besideName(newFile, seed + counter.fetch_add(1) * 2654435761ul);
+        if (::CopyFileA(existingFile, beside.c_str(), TRUE)) {
+            if (MoveFileExA(beside.c_str(), newFile, MOVEFILE_REPLACE_EXISTING)) {
+                return TRUE;
+            }
+            const DWORD error = GetLastError();
+            DeleteFileA(beside.c_str());
+            SetLastError(error);
+            return FALSE;
+        }
+        const DWORD error = GetLastError();
+        if (error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS) {
+            // The name was free: whatever a failed copy left there is this call's own.
+            DeleteFileA(beside.c_str());
+            SetLastError(error);
+            return FALSE;
+        }
+    }
+    SetLastError(ERROR_FILE_EXISTS);
+    return FALSE;
+}
+
+#else
 
 namespace {
 
@@ -87,6 +149,35 @@ bool copyBytes(int in, int out, long long size) {
     }
 }
 
+// The source's permissions and last write time on the copy, as Windows keeps them; a file
+// system that keeps neither still gets the bytes.
+void keepRecord(int out, const struct stat& from) {
+    struct timespec times[2] = {from.st_atim, from.st_mtim};
+    futimens(out, times);
+    fchmod(out, from.st_mode & 07777);
+}
+
+// Copies the open regular file `in` into a new file made for the copy (O_EXCL): the name was
+// free, so a failed copy removes only what it made itself.
+BOOL copyToNewFile(int in, const struct stat& from, const std::string& target) {
+    int out = open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, from.st_mode & 07777);
+    if (out < 0) {
+        return FALSE;
+    }
+    bool ok = copyBytes(in, out, static_cast<long long>(from.st_size));
+    int error = errno;
+    if (ok) {
+        keepRecord(out, from);
+    }
+    ok = close(out) == 0 && ok;
+    if (!ok) {
+        unlink(target.c_str());
+        errno = error != 0 ? error : EIO;
+        return FALSE;
+    }
+    return TRUE;
+}
+
 } // namespace
 
 BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists) {
@@ -96,7 +187,8 @@ BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists)
     }
     std::string source = toNativePath(existingFile);
     std::string target = toNativePath(newFile);
-    int in = open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    // O_NONBLOCK: a pipe must not hold the open; it is refused below like any non-file.
+    int in = open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (in < 0) {
         return FALSE;
     }
@@ -107,38 +199,37 @@ BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists)
         return FALSE;
     }
     struct stat to;
-    if (stat(target.c_str(), &to) == 0) {
-        if (failIfExists || (to.st_dev == from.st_dev && to.st_ino == from.st_ino) ||
-            S_ISDIR(to.st_mode)) {
-            close(in);
-            errno = EEXIST;
-            return FALSE;
-        }
-    }
-    int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | (failIfExists ? O_EXCL : 0);
-    int out = open(target.c_str(), flags, from.st_mode & 07777);
-    if (out < 0) {
-        int error = errno;
+    const bool exists = stat(target.c_str(), &to) == 0;
+    if (exists && (failIfExists || (to.st_dev == from.st_dev && to.st_ino == from.st_ino) ||
+                   S_ISDIR(to.st_mode))) {
         close(in);
-        errno = error;
+        errno = EEXIST;
         return FALSE;
     }
-    bool ok = copyBytes(in, out, static_cast<long long>(from.st_size));
-    if (ok) {
-        // The last write time travels with the copy, as on Windows.
-        struct timespec times[2] = {from.st_atim, from.st_mtim};
-        futimens(out, times);
-        fchmod(out, from.st_mode & 07777);
+    BOOL result;
+    if (failIfExists) {
+        result = copyToNewFile(in, from, target);
+    } else {
+        // The copy is made beside the target and renamed over it only when it is complete:
+        // a failed copy leaves the old file as it was and nothing else behind.
+        AtomicFile out;
+        out.skipSync(); // as Windows copies: the bytes are left to the write-back
+        bool ok = out.open(newFile, "wb");
+        if (ok) {
+            const int fd = out.descriptor();
+            if (!copyBytes(in, fd, static_cast<long long>(from.st_size))) {
+                out.fail();
+            } else if (!out.temporaryPath().empty()) {
+                keepRecord(fd, from); // not on a device written in place
+            }
+            ok = out.commit();
+        }
+        result = ok ? TRUE : FALSE;
     }
     int error = errno;
-    ok = close(out) == 0 && ok;
     close(in);
-    if (!ok) {
-        unlink(target.c_str());
-        errno = error != 0 ? error : EIO;
-        return FALSE;
-    }
-    return TRUE;
+    errno = error;
+    return result;
 }
 
 BOOL CreateDirectoryA(const char* path, void*) {
@@ -219,6 +310,16 @@ int rename(const char* oldPath, const char* newPath) {
 
 namespace {
 
+// The path without its closing separators; a text of separators only stays as it is.
+std::string withoutClosingSeparators(const char* path) {
+    std::string text = path;
+    size_t end = text.find_last_not_of("\\/");
+    if (end != std::string::npos) {
+        text.resize(end + 1);
+    }
+    return text;
+}
+
 #if defined(_WIN32)
 bool nativeSameFile(const std::string& a, const std::string& b, bool whenUnknown) {
     HANDLE ha = CreateFileA(a.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
@@ -253,6 +354,66 @@ bool nativeSameFile(const std::string& a, const std::string& b, bool whenUnknown
 #endif
 
 } // namespace
+
+#if defined(_WIN32)
+
+bool isFolderLink(const char* path) {
+    if (path == nullptr || path[0] == '\0' || strpbrk(path, "*?") != nullptr) {
+        return false;
+    }
+    std::string trimmed = withoutClosingSeparators(path);
+    if (trimmed.empty() || trimmed.back() == ':') {
+        return false;
+    }
+    WIN32_FIND_DATAA data;
+    HANDLE handle = FindFirstFileA(trimmed.c_str(), &data);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    FindClose(handle);
+    const DWORD wanted = FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY;
+    return (data.dwFileAttributes & wanted) == wanted &&
+           (data.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+            data.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+}
+
+int removeFolderLink(const char* path) {
+    if (!isFolderLink(path)) {
+        errno = EINVAL;
+        return -1;
+    }
+    // A folder link goes as a folder does, and only the link goes.
+    if (!RemoveDirectoryA(withoutClosingSeparators(path).c_str())) {
+        errno = EACCES;
+        return -1;
+    }
+    return 0;
+}
+
+#else
+
+bool isFolderLink(const char* path) {
+    if (path == nullptr || path[0] == '\0') {
+        return false;
+    }
+    std::string native = toNativePath(withoutClosingSeparators(path).c_str());
+    struct stat own;
+    if (lstat(native.c_str(), &own) != 0 || !S_ISLNK(own.st_mode)) {
+        return false;
+    }
+    struct stat target;
+    return stat(native.c_str(), &target) != 0 || S_ISDIR(target.st_mode);
+}
+
+int removeFolderLink(const char* path) {
+    if (!isFolderLink(path)) {
+        errno = EINVAL;
+        return -1;
+    }
+    return unlink(toNativePath(withoutClosingSeparators(path).c_str()).c_str());
+}
+
+#endif
 
 bool sameFile(const char* a, const char* b) {
     if (a == nullptr || b == nullptr) {

@@ -19,10 +19,6 @@ namespace zbp {
 
 namespace {
 
-unsigned char upper(char c) {
-    return static_cast<unsigned char>(toupper(static_cast<unsigned char>(c)));
-}
-
 bool onlyStars(const char* p) {
     while (*p == '*') {
         ++p;
@@ -30,9 +26,14 @@ bool onlyStars(const char* p) {
     return *p == '\0';
 }
 
-} // namespace
+// Upper case straight from the locale, for single matches outside a walk.
+struct LocaleUpper {
+    unsigned char operator()(char c) const {
+        return static_cast<unsigned char>(toupper(static_cast<unsigned char>(c)));
+    }
+};
 
-bool matchWildcard(const char* pattern, const char* name) {
+template <class Upper> bool matchWith(const char* pattern, const char* name, const Upper& upper) {
     if (pattern == nullptr || name == nullptr || *pattern == '\0') {
         return false;
     }
@@ -68,27 +69,25 @@ bool matchWildcard(const char* pattern, const char* name) {
     }
 }
 
-#if !defined(_WIN32)
+} // namespace
 
-namespace {
+UpperCase::UpperCase() {
+    for (int c = 0; c < 256; ++c) {
+        m_map[c] = static_cast<unsigned char>(toupper(c));
+    }
+}
 
-struct FindItem {
-    std::string name;
-    unsigned attrib;
-    struct timespec created;
-    struct timespec accessed;
-    struct timespec written;
-    long long size;
-};
+bool matchWildcard(const char* pattern, const char* name) {
+    return matchWith(pattern, name, LocaleUpper());
+}
 
-struct FindHandle {
-    std::vector<FindItem> items;
-    size_t next;
-};
+bool matchWildcard(const char* pattern, const char* name, const UpperCase& upper) {
+    return matchWith(pattern, name, upper);
+}
 
-// Order of NTFS listings: names compared in upper case, ties by their bytes.
-bool listingBefore(const std::string& a, const std::string& b) {
-    size_t n = std::min(a.size(), b.size());
+bool listingBefore(const char* a, size_t aLength, const char* b, size_t bLength,
+                   const UpperCase& upper) {
+    size_t n = aLength < bLength ? aLength : bLength;
     for (size_t i = 0; i < n; ++i) {
         unsigned char x = upper(a[i]);
         unsigned char y = upper(b[i]);
@@ -96,40 +95,59 @@ bool listingBefore(const std::string& a, const std::string& b) {
             return x < y;
         }
     }
-    if (a.size() != b.size()) {
-        return a.size() < b.size();
+    if (aLength != bLength) {
+        return aLength < bLength;
     }
-    return a < b;
+    return memcmp(a, b, n) < 0;
 }
 
-bool describe(int dirFd, const std::string& name, FindItem& item) {
-    struct stat st;
-    if (fstatat(dirFd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
-        return false;
-    }
-    item.name = name;
-    if (S_ISLNK(st.st_mode)) {
-        struct stat target;
-        if (fstatat(dirFd, name.c_str(), &target, 0) == 0 && !S_ISDIR(target.st_mode)) {
-            st = target;
-        }
-        item.attrib = FILE_ATTRIBUTE_ARCHIVE;
-        item.size = S_ISDIR(st.st_mode) ? 0 : static_cast<long long>(st.st_size);
-    } else if (S_ISDIR(st.st_mode)) {
-        item.attrib = FILE_ATTRIBUTE_DIRECTORY;
-        item.size = 0;
-    } else {
-        item.attrib = FILE_ATTRIBUTE_ARCHIVE;
-        item.size = static_cast<long long>(st.st_size);
-    }
+#if !defined(_WIN32)
+
+namespace {
+
+struct FindItem {
+    std::string name;
+    EntryRecord record;
+};
+
+struct FindHandle {
+    std::vector<FindItem> items;
+    size_t next;
+};
+
+void setRecord(const struct stat& st, bool folder, EntryRecord& record) {
+    record.attrib = folder ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_ARCHIVE;
     if ((st.st_mode & S_IWUSR) == 0) {
-        item.attrib |= FILE_ATTRIBUTE_READONLY;
+        record.attrib |= FILE_ATTRIBUTE_READONLY;
     }
-    item.created = st.st_ctim;
-    item.accessed = st.st_atim;
-    item.written = st.st_mtim;
+    record.size = folder || S_ISDIR(st.st_mode) ? 0 : static_cast<long long>(st.st_size);
+    record.created = st.st_ctim;
+    record.accessed = st.st_atim;
+    record.written = st.st_mtim;
+}
+
+} // namespace
+
+bool describeEntry(int folderFd, const char* name, const struct stat* own, EntryRecord& record) {
+    struct stat st;
+    if (own == nullptr) {
+        if (fstatat(folderFd, name, &st, AT_SYMLINK_NOFOLLOW) != 0) {
+            return false;
+        }
+        own = &st;
+    }
+    if (!S_ISLNK(own->st_mode)) {
+        setRecord(*own, S_ISDIR(own->st_mode), record);
+        return true;
+    }
+    // A link is a plain entry, never a folder to enter, with its target's record where it has
+    // one.
+    struct stat target;
+    setRecord(fstatat(folderFd, name, &target, 0) == 0 ? target : *own, false, record);
     return true;
 }
+
+namespace {
 
 // Lists the entries of the folder of `pattern` that match its last component. Null with
 // errno set when there is none.
@@ -160,12 +178,13 @@ FindHandle* openListing(const char* pattern) {
         }
         return nullptr;
     }
+    UpperCase upper;
     std::vector<std::string> names;
     bool root = folder == "/";
-    if (!root && matchWildcard(mask.c_str(), ".")) {
+    if (!root && matchWildcard(mask.c_str(), ".", upper)) {
         names.push_back(".");
     }
-    if (!root && matchWildcard(mask.c_str(), "..")) {
+    if (!root && matchWildcard(mask.c_str(), "..", upper)) {
         names.push_back("..");
     }
     size_t dots = names.size();
@@ -174,18 +193,22 @@ FindHandle* openListing(const char* pattern) {
         if (strcmp(name, ".") == 0 || strcmp(name, "..") == 0 || strlen(name) >= MAX_PATH) {
             continue;
         }
-        if (matchWildcard(mask.c_str(), name)) {
+        if (matchWildcard(mask.c_str(), name, upper)) {
             names.emplace_back(name);
         }
     }
-    std::sort(names.begin() + static_cast<std::ptrdiff_t>(dots), names.end(), listingBefore);
+    std::sort(names.begin() + static_cast<std::ptrdiff_t>(dots), names.end(),
+              [&upper](const std::string& a, const std::string& b) {
+                  return listingBefore(a.data(), a.size(), b.data(), b.size(), upper);
+              });
     FindHandle* handle = new FindHandle();
     handle->next = 0;
     handle->items.reserve(names.size());
     int fd = dirfd(dir);
     for (const std::string& name : names) {
         FindItem item;
-        if (describe(fd, name, item)) {
+        item.name = name;
+        if (describeEntry(fd, name.c_str(), nullptr, item.record)) {
             handle->items.push_back(std::move(item));
         }
     }
@@ -212,11 +235,11 @@ const FindItem* nextItem(intptr_t value) {
 }
 
 template <class Data> void fill(const FindItem& item, Data* data) {
-    data->attrib = item.attrib;
-    data->time_create = static_cast<__time64_t>(item.created.tv_sec);
-    data->time_access = static_cast<__time64_t>(item.accessed.tv_sec);
-    data->time_write = static_cast<__time64_t>(item.written.tv_sec);
-    data->size = static_cast<decltype(data->size)>(item.size);
+    data->attrib = item.record.attrib;
+    data->time_create = static_cast<__time64_t>(item.record.created.tv_sec);
+    data->time_access = static_cast<__time64_t>(item.record.accessed.tv_sec);
+    data->time_write = static_cast<__time64_t>(item.record.written.tv_sec);
+    data->size = static_cast<decltype(data->size)>(item.record.size);
     memcpy(data->name, item.name.c_str(), item.name.size() + 1);
 }
 
@@ -233,11 +256,11 @@ FILETIME fileTime(const struct timespec& t) {
 
 void fillWin32(const FindItem& item, WIN32_FIND_DATAA* data) {
     memset(data, 0, sizeof *data);
-    data->dwFileAttributes = item.attrib;
-    data->ftCreationTime = fileTime(item.created);
-    data->ftLastAccessTime = fileTime(item.accessed);
-    data->ftLastWriteTime = fileTime(item.written);
-    unsigned long long size = static_cast<unsigned long long>(item.size);
+    data->dwFileAttributes = item.record.attrib;
+    data->ftCreationTime = fileTime(item.record.created);
+    data->ftLastAccessTime = fileTime(item.record.accessed);
+    data->ftLastWriteTime = fileTime(item.record.written);
+    unsigned long long size = static_cast<unsigned long long>(item.record.size);
     data->nFileSizeHigh = static_cast<DWORD>(size >> 32);
     data->nFileSizeLow = static_cast<DWORD>(size & 0xFFFFFFFFULL);
     memcpy(data->cFileName, item.name.c_str(), item.name.size() + 1);

@@ -36,6 +36,10 @@ public:
     void fail() { m_failed = true; }
     // True while no write has failed so far.
     bool good() const;
+    // Leaves the new file's bytes to the system's write-back at commit() instead of syncing
+    // them, as the platform's own file copy does: every write, the flush, the close and the
+    // rename are still checked, but a crash of the machine soon after may lose the new content.
+    void skipSync() { m_sync = false; }
     // Completes the file and puts it in place of the target; false, with the target untouched
     // and the new file removed, when any write, the flush, the sync, the close or the rename
     // failed. Either way the object is closed afterwards.
@@ -49,6 +53,7 @@ public:
 private:
     FILE* m_file = nullptr;
     bool m_failed = false;
+    bool m_sync = true;
     std::string m_target;    // the file that will be replaced, symbolic links resolved
     std::string m_temporary; // the new file beside it
 };

@@ -18,15 +18,23 @@ namespace zbp {
 #if defined(_WIN32)
 using ::_mkdir;
 using ::_rmdir;
-using ::CopyFileA;
 using ::CreateDirectoryA;
 using ::GetFullPathNameA;
 using ::remove;
 using ::rename;
+// The system's copy, except that an existing target is never written in place: the system's
+// copy empties the target before it writes, so a copy that failed would cost the old file.
+// Over an existing file the copy goes to a new file beside it (the system's copy, which keeps
+// times and attributes) and is moved over the target when complete. A read-only target and
+// the source itself are refused, as the system refuses them (ERROR_ACCESS_DENIED).
+BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists);
 #else
 // Copies a regular file, with its permissions and its last write time; the kernel copies the
-// bytes where it can. With failIfExists FALSE an existing target is replaced. A target that
-// is the source itself is refused. On a failed copy the target is removed.
+// bytes where it can. With failIfExists FALSE an existing target is replaced: the copy is made
+// beside it and renamed over it when complete (zbp::AtomicFile), so a failed copy leaves the old
+// file and nothing else; a read-only target, or a folder where no new file can be made, is
+// refused. With failIfExists TRUE the new file is removed again when the copy fails. A target
+// that is the source itself is refused.
 BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists);
 // Creates one folder (the security argument is ignored). FALSE if it exists or its parent
 // is missing.
@@ -44,6 +52,12 @@ int remove(const char* path);
 // (EEXIST when the target exists).
 int rename(const char* oldPath, const char* newPath);
 #endif
+
+// True when `path`, closing separators left aside, is a symbolic link (on Windows also a
+// junction) that points to a folder or to nothing: a link a tree operation must not follow.
+bool isFolderLink(const char* path);
+// Removes such a link itself, never what it points to: 0, or -1 with errno.
+int removeFolderLink(const char* path);
 
 // True when both paths name one existing file (the same path, or a hard link).
 bool sameFile(const char* a, const char* b);

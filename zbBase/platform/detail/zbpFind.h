@@ -7,13 +7,20 @@
 // also matches names without a dot (so "*.*" matches every name). "." and ".." come first
 // when they match, then the other entries in the order of the names compared in upper case.
 // Folders carry the attribute 0x10 and other entries 0x20 (0x01 added when the owner may not
-// write); a symbolic link is listed as a plain entry with the size and times of its target, so
-// that a walk through the listings never leaves the tree and never loops.
+// write); a symbolic link is listed as a plain entry with the size and times of its target (size
+// 0 for a folder, the link's own record when the target is missing), so that a walk through the
+// listings never leaves the tree and never loops.
 #pragma once
 
 #include "zbBase/platform/zbPlatformTypes.h"
 
+#include <stddef.h>
 #include <stdint.h>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#include <time.h>
+#endif
 
 #if defined(_WIN32)
 #include <stdlib.h>
@@ -89,7 +96,40 @@ BOOL FindClose(HANDLE handle);
 void _splitpath(const char* path, char* drive, char* dir, char* fname, char* ext);
 #endif
 
+// Upper case of every byte under the C library's current locale, taken once so that a long
+// walk need not ask the locale for every character.
+class UpperCase {
+public:
+    UpperCase();
+    unsigned char operator()(char c) const { return m_map[static_cast<unsigned char>(c)]; }
+
+private:
+    unsigned char m_map[256];
+};
+
 // Windows matching of one name against a pattern of '*' and '?' (see above).
 bool matchWildcard(const char* pattern, const char* name);
+bool matchWildcard(const char* pattern, const char* name, const UpperCase& upper);
+
+// The listing order of the POSIX side: names compared in upper case, a name before the longer
+// names it begins, ties by their bytes.
+bool listingBefore(const char* a, size_t aLength, const char* b, size_t bLength,
+                   const UpperCase& upper);
+
+#if !defined(_WIN32)
+// What a listing tells of one entry, before the name and the time width of its record.
+struct EntryRecord {
+    unsigned attrib;
+    struct timespec created;  // the status change time
+    struct timespec accessed; // last access
+    struct timespec written;  // last write
+    long long size;
+};
+
+// Describes the entry `name` of the open folder `folderFd` as a listing gives it (attributes,
+// links with the record of their target). `own` is the entry's own status (not following a
+// link) when the caller has it already, else null. false when the entry cannot be read.
+bool describeEntry(int folderFd, const char* name, const struct stat* own, EntryRecord& record);
+#endif
 
 } // namespace zbp

@@ -1,0 +1,255 @@
+// Copies over an existing file on a full disk and into a folder the user may not write, and
+// tree operations given a symbolic link: the old file survives, nothing half-written stays
+// behind, and nothing behind a link is touched.
+#include <zbBase/filesystem/CzbFileUtil.h>
+#include <zbBase/filesystem/zbPathFileUtil.h>
+#include <zbBase/platform/detail/zbpFileOps.h>
+
+#include "support/zbFaults.h"
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using zbBase::zbPathFileUtil;
+using zbtest::Text;
+
+namespace {
+
+// The library's form of a path.
+std::string lib(const fs::path& path) {
+    std::string text = path.string();
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return text;
+}
+
+// The names in a folder: a failed copy must leave no new file behind.
+std::vector<std::string> listing(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Compares whole files without printing kilobytes of bytes on a failure.
+::testing::AssertionResult holds(const fs::path& file, const std::string& bytes) {
+    const std::string actual = zbtest::readBytes(file);
+    if (actual == bytes) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << file << " holds " << actual.size()
+                                         << " other bytes than the " << bytes.size() << " expected";
+}
+
+std::string pattern(size_t size, char seed) {
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i) {
+        bytes[i] = static_cast<char>(seed + i * 7 + i / 509);
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
+    zbtest::TempFolder dir;
+    const fs::path src = dir.path() / "src";
+    const fs::path dst = dir.path() / "dst";
+    const std::string fresh = pattern(100000, 'n');
+    const std::string old = pattern(7000, 'o');
+    zbtest::writeBytes(src / "data.bin", fresh);
+    zbtest::writeBytes(dst / "data.bin", old);
+    const std::vector<std::string> before = listing(dst);
+
+    // Without a fault the copy replaces the file and leaves nothing beside it.
+    EXPECT_TRUE(zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text(lib(dst / "x.bin"))));
+    EXPECT_TRUE(holds(dst / "x.bin", fresh));
+    fs::remove(dst / "x.bin");
+
+#if !defined(_WIN32)
+    {
+        zbtest::FileSizeLimit full(4096); // every file stops growing at 4096 bytes
+        EXPECT_FALSE(
+            zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text(lib(dst / "data.bin"))));
+        EXPECT_TRUE(holds(dst / "data.bin", old));
+        EXPECT_EQ(listing(dst), before);
+
+        EXPECT_FALSE(
+            zbp::CopyFileA(lib(src / "data.bin").c_str(), lib(dst / "data.bin").c_str(), FALSE));
+        EXPECT_TRUE(holds(dst / "data.bin", old));
+        EXPECT_FALSE(
+            zbp::CopyFileA(lib(src / "data.bin").c_str(), lib(dst / "new.bin").c_str(), TRUE));
+        EXPECT_EQ(listing(dst), before);
+
+        // A folder copy keeps its documented result; the old file stays whole.
+        EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(src)), Text(lib(dst)), false), 1);
+        EXPECT_TRUE(holds(dst / "data.bin", old));
+        EXPECT_EQ(listing(dst), before);
+
+        // CopytoFolder reports the copy that failed after both files opened.
+        EXPECT_FALSE(zbPathFileUtil::CopytoFolder(Text(lib(src / "*.bin")), Text(lib(dst))));
+        EXPECT_TRUE(holds(dst / "data.bin", old));
+        EXPECT_EQ(listing(dst), before);
+
+        // The move copies nothing whole, so it deletes nothing.
+        EXPECT_EQ(CzbFileUtil::MoveFolder(Text(lib(src)), Text(lib(dst)), false), 0);
+        EXPECT_TRUE(holds(src / "data.bin", fresh));
+        EXPECT_TRUE(holds(dst / "data.bin", old));
+    }
+
+    // A device is written where it stands, and a write it refuses is reported.
+    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text("/dev/full")));
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+
+    zbtest::SmallTmpfs disk(128 * 1024);
+    if (!disk.ok()) {
+        GTEST_SKIP() << disk.why();
+    }
+    const fs::path small = disk.path();
+    const std::string kept = old + old + old + old + old + old + old + old + old; // 63000 bytes
+    zbtest::writeBytes(small / "data.bin", kept);
+    // A file larger than the whole disk.
+    const std::string huge = pattern(200000, 'h');
+    zbtest::writeBytes(src / "huge.bin", huge);
+    EXPECT_FALSE(
+        zbPathFileUtil::CopytoFile(Text(lib(src / "huge.bin")), Text(lib(small / "data.bin"))));
+    EXPECT_TRUE(holds(small / "data.bin", kept));
+    EXPECT_FALSE(
+        zbp::CopyFileA(lib(src / "huge.bin").c_str(), lib(small / "data.bin").c_str(), FALSE));
+    EXPECT_TRUE(holds(small / "data.bin", kept));
+    fs::copy_file(src / "huge.bin", src / "data.bin", fs::copy_options::overwrite_existing);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(src)), Text(lib(small)), false), 1);
+    EXPECT_TRUE(holds(small / "data.bin", kept));
+    EXPECT_EQ(listing(small), std::vector<std::string>{"data.bin"});
+    // A file that would fit alone but not beside the old one: the copy is refused rather than
+    // made in place, where a failure would cost the old file.
+    zbtest::writeBytes(dir.path() / "fresh.bin", fresh); // 100000 bytes
+    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(lib(dir.path() / "fresh.bin")),
+                                            Text(lib(small / "data.bin"))));
+    EXPECT_TRUE(holds(small / "data.bin", kept));
+    EXPECT_EQ(listing(small), std::vector<std::string>{"data.bin"});
+#endif
+}
+
+#if !defined(_WIN32)
+
+TEST(FileSystemFault, CopyIntoAFolderTheUserMayNotWrite) {
+    zbtest::TempFolder dir;
+    const fs::path src = dir.path() / "src";
+    const fs::path locked = dir.path() / "locked";
+    zbtest::writeBytes(src / "data.bin", pattern(20000, 'n'));
+    zbtest::writeBytes(locked / "data.bin", "old content");
+    // The folder is root's and closed to others; its file is open to everyone.
+    fs::permissions(dir.path(),
+                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(src, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(src / "data.bin", fs::perms::owner_all | fs::perms::others_read);
+    fs::permissions(locked, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(locked / "data.bin", fs::perms::all);
+
+    const std::string from = lib(src / "data.bin");
+    const std::string to = lib(locked / "data.bin");
+    int rc = zbtest::asUnprivileged([&] {
+        int failures = 0;
+        // No new file can be made beside the target: the copy is refused, not done in place.
+        failures |= zbPathFileUtil::CopytoFile(Text(from), Text(to)) ? 1 : 0;
+        failures |= zbp::CopyFileA(from.c_str(), to.c_str(), FALSE) ? 2 : 0;
+        failures |= zbPathFileUtil::CopytoFile(Text(from), Text(lib(locked / "new.bin"))) ? 4 : 0;
+        // A file that does not open is skipped, as documented.
+        failures |=
+            zbPathFileUtil::CopytoFolder(Text(lib(src / "*.bin")), Text(lib(locked))) ? 0 : 8;
+        failures |= CzbFileUtil::CopyFolder(Text(lib(src)), Text(lib(locked)), false) == 1 ? 0 : 16;
+        // On a full disk as well, a failed copy cannot be cleaned up in this folder: it must
+        // never begin there.
+        zbtest::FileSizeLimit full(4096);
+        failures |= zbPathFileUtil::CopytoFile(Text(from), Text(to)) ? 32 : 0;
+        failures |= zbp::CopyFileA(from.c_str(), to.c_str(), FALSE) ? 64 : 0;
+        return failures;
+    });
+    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(zbtest::readBytes(locked / "data.bin"), "old content");
+    EXPECT_EQ(listing(locked), std::vector<std::string>{"data.bin"});
+    fs::permissions(dir.path(), fs::perms::owner_all);
+}
+
+TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
+    zbtest::TempFolder dir;
+    const fs::path outside = dir.path() / "outside";
+    zbtest::writeBytes(outside / "precious.txt", "keep");
+    zbtest::writeBytes(outside / "sub" / "deep.txt", "keep too");
+    auto survived = [&] {
+        return zbtest::readBytes(outside / "precious.txt") == "keep" &&
+               zbtest::readBytes(outside / "sub" / "deep.txt") == "keep too";
+    };
+
+    // The link given as the folder, with and without a closing separator.
+    fs::create_directory_symlink(outside, dir.path() / "link");
+    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "link")), false);
+    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
+    EXPECT_TRUE(survived());
+    fs::create_directory_symlink(outside, dir.path() / "link");
+    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "link") + "\\"), false);
+    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
+    EXPECT_TRUE(survived());
+
+    // A link inside the tree goes with the tree.
+    zbtest::writeBytes(dir.path() / "tree" / "a.txt", "a");
+    fs::create_directory_symlink(outside, dir.path() / "tree" / "inner");
+    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "tree")), false);
+    EXPECT_FALSE(fs::exists(dir.path() / "tree"));
+    EXPECT_TRUE(survived());
+
+    // A dangling link goes; a link to a file is no folder and stays, as a file would.
+    fs::create_directory_symlink(dir.path() / "nowhere", dir.path() / "dangling");
+    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "dangling")), false);
+    EXPECT_FALSE(fs::is_symlink(dir.path() / "dangling"));
+    fs::create_symlink(outside / "precious.txt", dir.path() / "filelink");
+    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "filelink")), false);
+    EXPECT_TRUE(fs::is_symlink(dir.path() / "filelink"));
+    EXPECT_TRUE(survived());
+
+    // Copying from a link copies what it names; moving it moves the link: the copy is made and
+    // the link goes once everything arrived, while the files behind it stay.
+    fs::create_directory_symlink(outside, dir.path() / "link");
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(dir.path() / "link")),
+                                      Text(lib(dir.path() / "copy")), false),
+              1);
+    EXPECT_EQ(zbtest::readBytes(dir.path() / "copy" / "sub" / "deep.txt"), "keep too");
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(lib(dir.path() / "link")),
+                                      Text(lib(dir.path() / "moved")), false),
+              0);
+    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
+    EXPECT_EQ(zbtest::readBytes(dir.path() / "moved" / "sub" / "deep.txt"), "keep too");
+    EXPECT_TRUE(survived());
+
+    // A move that cannot complete keeps the link, and so does a move of a link to nothing.
+    fs::create_directory_symlink(dir.path() / "nowhere", dir.path() / "dangling");
+    CzbFileUtil::MoveFolder(Text(lib(dir.path() / "dangling")), Text(lib(dir.path() / "m0")),
+                            false);
+    EXPECT_TRUE(fs::is_symlink(dir.path() / "dangling"));
+    zbtest::writeBytes(outside / ".git" / "config", "not copied");
+    fs::create_directory_symlink(outside, dir.path() / "link");
+    CzbFileUtil::MoveFolder(Text(lib(dir.path() / "link")), Text(lib(dir.path() / "moved2")),
+                            false);
+    EXPECT_TRUE(fs::is_symlink(dir.path() / "link"));
+    EXPECT_TRUE(survived());
+
+    // A search through the link as its root finds what it names; renames there rename the
+    // link itself, never its target.
+    CzbFileUtil util;
+    util.FindFile(Text(lib(dir.path() / "link") + "\\*.txt"), true);
+    EXPECT_EQ(util.getFindData()->size(), 2u);
+    util.RenameFile(Text(lib(dir.path() / "link*")), Text("link"), Text("renamed"), false);
+    EXPECT_TRUE(fs::is_symlink(dir.path() / "renamed"));
+    EXPECT_TRUE(fs::is_directory(outside));
+    EXPECT_TRUE(survived());
+}
+
+#endif
