@@ -116,7 +116,7 @@ CzbLogger& CzbLogger::operator=(const CzbLogger& other) {
 }
 
 void CzbLogger::copyRingFrom(const CzbLogger& other) {
-    zbp::CriticalSectionGuard guard(const_cast<CRITICAL_SECTION*>(&other.m_lock));
+    zbp::CriticalSectionGuard guard(const_cast<zbBase::zbCriticalSection*>(&other.m_lock));
     for (int i = 0; i < m_bufferSize; ++i) {
         char* text = m_logData[i].text;
         m_logData[i] = other.m_logData[i];

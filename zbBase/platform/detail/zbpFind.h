@@ -11,7 +11,7 @@
 // that a walk through the listings never leaves the tree and never loops.
 #pragma once
 
-#include "zbBase/platform/zbPlatformTypes.h"
+#include "zbBase/platform/detail/zbpSystem.h"
 
 #include <stdint.h>
 
