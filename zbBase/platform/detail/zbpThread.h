@@ -46,6 +46,13 @@ void LeaveCriticalSection(CRITICAL_SECTION* section);
 void DeleteCriticalSection(CRITICAL_SECTION* section);
 #endif
 
+// True once the process has begun to end on Windows, while the system detaches the DLLs
+// (ExitProcess, or a return from main): the system has then ended every other thread where
+// it stood, so a wait for a thread of ours to say goodbye would never end. Static objects
+// of a host's DLL are destroyed at that moment. Always false elsewhere, where threads run on
+// until exit has destroyed the static objects.
+bool processExiting();
+
 // Holds a critical section for the life of a scope.
 class CriticalSectionGuard {
 public:
