@@ -4,6 +4,7 @@
 #include <zbBase/zbBase.h>
 
 #include <zbBase/platform/detail/zbpFileIO.h>
+#include <zbBase/platform/detail/zbpFind.h>
 
 #include "support/zbTestFiles.h"
 
@@ -11,6 +12,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 
 using zbtest::TempFolder;
 
@@ -94,4 +96,34 @@ TEST(HostInputFault, StreamsAndDescriptorsAreCheckedFirst) {
     EXPECT_EQ(zbp::_read(zbp::_fileno(file), buffer, sizeof buffer), 4);
     EXPECT_EQ(std::memcmp(buffer, "abcd", 4), 0);
     fclose(file);
+}
+
+TEST(HostInputFault, PathsWithPartsTooLongForTheRuntime) {
+    // A folder part of 256 characters (one more than the runtime's split takes) finds nothing.
+    CzbFileUtil util;
+    std::string path = std::string(256, 'd') + "\\*.txt";
+    util.FindFile(&path[0], false);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
+
+    char drive[_MAX_DRIVE] = "x";
+    char dir[_MAX_DIR] = "x";
+    char name[_MAX_FNAME] = "x";
+    char ext[_MAX_EXT] = "x";
+    zbp::_splitpath(nullptr, drive, dir, name, ext);
+    EXPECT_STREQ(dir, "");
+    EXPECT_STREQ(name, "");
+#if defined(_WIN32)
+    // Where the runtime splits, a part that would not fit gives empty parts.
+    zbp::_splitpath(path.c_str(), drive, dir, name, ext);
+    EXPECT_STREQ(drive, "");
+    EXPECT_STREQ(dir, "");
+    EXPECT_STREQ(name, "");
+    EXPECT_STREQ(ext, "");
+    zbp::_splitpath("C:\\a\\b.txt", drive, dir, name, ext);
+    EXPECT_STREQ(drive, "C:");
+    EXPECT_STREQ(dir, "\\a\\");
+    EXPECT_STREQ(name, "b");
+    EXPECT_STREQ(ext, ".txt");
+#endif
 }
