@@ -11,6 +11,10 @@
 #include <regex>
 #include <thread>
 
+#if defined(_WIN32)
+#include <windows.h> // SYSTEMTIME, which the records convert to and from
+#endif
+
 using diagtest::TempFolder;
 using diagtest::Text;
 

@@ -95,7 +95,7 @@ public:
 
     ItemMap m_items;
     std::vector<ItemMap::iterator> m_order;
-    CRITICAL_SECTION m_lock;
+    zbBase::zbCriticalSection m_lock;
 
 private:
     void addOrReplace(const CStringT& key, const CStringT& value);

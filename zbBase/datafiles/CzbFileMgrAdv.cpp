@@ -144,7 +144,7 @@ bool CzbFileMgrAdv::editFile(char* path, int index, void* data, unsigned long lo
     }
     // Everything is checked against the file's real length before anything is allocated,
     // so no header field can ask for more memory than the file has bytes.
-    long fileLength = zbp::_filelength(zbp::_fileno(file));
+    long long fileLength = zbp::_filelengthi64(zbp::_fileno(file));
     unsigned long long length = fileLength > 0 ? static_cast<unsigned long long>(fileLength) : 0;
     unsigned char bytes[kHeaderSize];
     if (length < kHeaderSize ||

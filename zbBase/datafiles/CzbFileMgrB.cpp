@@ -141,11 +141,14 @@ bool CzbFileMgrB::OpenFile(char* path) {
     if (file == nullptr) {
         return false;
     }
-    long fileLength = zbp::_filelength(zbp::_fileno(file));
+    long long fileLength = zbp::_filelengthi64(zbp::_fileno(file));
     // The length is a signed 32-bit quantity: a longer file is taken up to that length.
     size_t length = fileLength > 0 ? static_cast<size_t>(fileLength) : 0;
     if (length > static_cast<size_t>(INT_MAX)) {
         length = INT_MAX;
+    }
+    if (m_bodySize == 0 && length > m_headSize) {
+        length = m_headSize; // no record lies behind the head
     }
     std::unique_ptr<char[]> image(new char[length > 0 ? length : 1]);
     // Only what was really read counts, should the file have shrunk in the meantime.

@@ -99,7 +99,8 @@ void CzbStringT::Format(const char* format, ...) {
     va_start(args, format);
     va_list again;
     va_copy(again, args);
-    int length = std::vsnprintf(nullptr, 0, format, args);
+    // A null format gives the empty text (the Visual C++ runtime would end the process).
+    int length = format != nullptr ? std::vsnprintf(nullptr, 0, format, args) : 0;
     va_end(args);
     Block* block = nullptr;
     if (length > 0) {

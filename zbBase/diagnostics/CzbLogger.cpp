@@ -81,6 +81,12 @@ CzbLogger::CzbLogger(const CzbLogger& other)
 }
 
 CzbLogger::~CzbLogger() {
+    if (zbp::processExiting()) {
+        // A static logger of a host's DLL at the end of the process: the system has ended the
+        // saver and every other thread where they stood, perhaps inside the lock or the
+        // allocator. Nothing here may wait for them; the ring goes with the process.
+        return;
+    }
     stopSaver();
     zbp::EnterCriticalSection(&m_lock);
     freeRing(m_logData, m_bufferSize);
@@ -116,7 +122,7 @@ CzbLogger& CzbLogger::operator=(const CzbLogger& other) {
 }
 
 void CzbLogger::copyRingFrom(const CzbLogger& other) {
-    zbp::CriticalSectionGuard guard(const_cast<CRITICAL_SECTION*>(&other.m_lock));
+    zbp::CriticalSectionGuard guard(const_cast<zbBase::zbCriticalSection*>(&other.m_lock));
     for (int i = 0; i < m_bufferSize; ++i) {
         char* text = m_logData[i].text;
         m_logData[i] = other.m_logData[i];
@@ -236,7 +242,9 @@ int CzbLogger::getLogStringLen() {
 
 void CzbLogger::resetLogCount(int wait) {
     if (wait != 0) {
-        while (m_threadState.load() == 1 && m_saveIndex.load() != m_writeIndex.load()) {
+        // At the end of the process the saver may be gone without a word: see the destructor.
+        while (m_threadState.load() == 1 && m_saveIndex.load() != m_writeIndex.load() &&
+               !zbp::processExiting()) {
             zbp::Sleep(1);
         }
     }

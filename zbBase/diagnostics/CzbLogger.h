@@ -34,7 +34,7 @@ public:
     struct _LoggerData {
         int number;
         char level;
-        SYSTEMTIME time;
+        zbBase::zbSystemTime time; // SYSTEMTIME, or a record of its fields (zbPlatformTypes.h)
         char* text;
     };
 
@@ -79,14 +79,14 @@ public:
     char m_folder[256];
     char m_filePrefix[256];
     int m_savePeriod;
-    CRITICAL_SECTION m_lock;
+    zbBase::zbCriticalSection m_lock;
 
 private:
     void startSaver();
     void stopSaver();
     void copyRingFrom(const CzbLogger& other);
     // The log file name of a record dated t; false when it does not fit.
-    bool buildName(char* name, size_t bytes, const SYSTEMTIME& t) const;
+    bool buildName(char* name, size_t bytes, const zbBase::zbSystemTime& t) const;
 };
 
 static_assert(sizeof(std::atomic<int>) == sizeof(int), "shared counters keep an int's width");

@@ -31,7 +31,7 @@ void appendOpenFailMark(char* text, int bytes) {
 
 } // namespace
 
-bool CzbLogger::buildName(char* name, size_t bytes, const SYSTEMTIME& t) const {
+bool CzbLogger::buildName(char* name, size_t bytes, const zbBase::zbSystemTime& t) const {
     int length;
     if (m_fileMode == 1) {
         length = snprintf(name, bytes, "%s\\%02d%02d%02d\\%s_%02d%02d%02d.log", m_folder, t.wYear,
@@ -49,11 +49,12 @@ void CzbLogger::funcLogFileSave() {
     if (save == m_writeIndex.load()) {
         return;
     }
-    SYSTEMTIME pass;
-    zbp::GetLocalTime(&pass);
+    SYSTEMTIME now;
+    zbp::GetLocalTime(&now);
+    const zbBase::zbSystemTime pass = now;
 
     std::vector<char> text(static_cast<size_t>(m_stringLen));
-    SYSTEMTIME fileDate = pass;
+    zbBase::zbSystemTime fileDate = pass;
     FILE* file = nullptr;
     while (save != m_writeIndex.load()) {
         int slot = (save + 1) % m_bufferSize;
@@ -71,7 +72,7 @@ void CzbLogger::funcLogFileSave() {
         }
         record.text = text.data();
 
-        const SYSTEMTIME& t = m_fileMode == 1 ? pass : record.time;
+        const zbBase::zbSystemTime& t = m_fileMode == 1 ? pass : record.time;
         // Consecutive records of one day share one opening of their file within a pass.
         bool sameFile = file != nullptr && t.wYear == fileDate.wYear &&
                         t.wMonth == fileDate.wMonth && t.wDay == fileDate.wDay;

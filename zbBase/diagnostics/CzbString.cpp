@@ -6,6 +6,9 @@
 #include <stdlib.h>
 #include <string.h>
 
+// The exported routine keeps its own name even where a system header makes it a macro.
+#undef GetFullPathName
+
 namespace zbBase {
 
 namespace {

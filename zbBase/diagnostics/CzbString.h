@@ -22,6 +22,12 @@ extern ZB_API wchar_t* m_pWstrTemp;
 // Text that the locale cannot convert gives an empty result.
 ZB_API wchar_t* charToWchar(char* text);
 
+// <windows.h> makes GetFullPathName a macro for GetFullPathNameA, or GetFullPathNameW under
+// UNICODE. The name is declared here as it stands, whatever the macro's state, and the class
+// also answers to both spellings that the macro gives a host's call (see below).
+#pragma push_macro("GetFullPathName")
+#undef GetFullPathName
+
 namespace zbBase {
 
 class ZB_API CzbString {
@@ -68,6 +74,14 @@ public:
     // part does not fit in size bytes (dst then stays cleared), or when the rest does not fit
     // behind it with its NUL (dst then holds the folder part, unterminated if it fills dst).
     static bool GetFullPathName(char* dst, int size, const char* base, const char* relative);
+    // The same routine under the names that a host's call of GetFullPathName becomes where
+    // <windows.h> is included, before or after this header, with or without UNICODE.
+    static bool GetFullPathNameA(char* dst, int size, const char* base, const char* relative) {
+        return GetFullPathName(dst, size, base, relative);
+    }
+    static bool GetFullPathNameW(char* dst, int size, const char* base, const char* relative) {
+        return GetFullPathName(dst, size, base, relative);
+    }
 
     // True for the empty string and for digits with at most one '.' and an optional leading
     // '-' ("-", "." and "1." included; "+1" and "1e5" not).
@@ -88,3 +102,5 @@ public:
 };
 
 } // namespace zbBase
+
+#pragma pop_macro("GetFullPathName")

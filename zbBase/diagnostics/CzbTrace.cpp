@@ -64,7 +64,7 @@ CzbTrace::CzbTrace() : m_mode(ModeFile), m_fileName(nullptr), m_file(nullptr) {
 }
 
 CzbTrace::CzbTrace(const CzbTrace& other) : m_mode(ModeFile), m_fileName(nullptr), m_file(nullptr) {
-    CRITICAL_SECTION* source = const_cast<CRITICAL_SECTION*>(&other.m_lock);
+    zbBase::zbCriticalSection* source = const_cast<zbBase::zbCriticalSection*>(&other.m_lock);
     {
         zbp::CriticalSectionGuard guard(source);
         m_queue = copyQueue(other.m_queue);
@@ -97,7 +97,7 @@ CzbTrace& CzbTrace::operator=(const CzbTrace& other) {
     char* fileName = nullptr;
     Mode mode;
     {
-        zbp::CriticalSectionGuard guard(const_cast<CRITICAL_SECTION*>(&other.m_lock));
+        zbp::CriticalSectionGuard guard(const_cast<zbBase::zbCriticalSection*>(&other.m_lock));
         queue = copyQueue(other.m_queue);
         if (other.m_fileName != nullptr) {
             fileName = copyText(other.m_fileName);

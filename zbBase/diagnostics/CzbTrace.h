@@ -53,7 +53,7 @@ public:
     std::atomic<Mode> m_mode;
     std::deque<char*> m_queue;
     char* m_fileName;
-    CRITICAL_SECTION m_lock;
+    zbBase::zbCriticalSection m_lock;
     FILE* m_file;
 };
 

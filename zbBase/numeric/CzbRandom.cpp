@@ -27,25 +27,36 @@ double CzbRandom::Gaussian(float sigma, float mean) {
     return sum;
 }
 
+namespace {
+
+// SplitMix64: a small generator of its own for the range value of GetRandom.
+uint64_t nextMix(uint64_t& state) {
+    uint64_t z = (state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return z ^ (z >> 31);
+}
+
+} // namespace
+
 int CzbRandom::GetRandom(int a, int b) {
     const uint32_t now = static_cast<uint32_t>(zbp::_time64(nullptr));
     ms_randomseed = static_cast<int>(static_cast<uint32_t>(ms_randomseed) + now);
     zbp::srand(static_cast<unsigned>(ms_randomseed));
 
+    // The range value comes from a generator of its own, started from the same seed, so the
+    // runtime's generator is left at the start of the sequence of the new seed: the draws
+    // that follow (Gaussian's among them) are exactly those of srand(seed).
+    uint64_t state = static_cast<uint32_t>(ms_randomseed);
     const int64_t lo = a < b ? a : b;
     const int64_t hi = a < b ? b : a;
     const uint64_t range = static_cast<uint64_t>(hi - lo) + 1u; // at most 2^32
-    // 45 random bits from three draws, rejecting the top so that every value is equally likely.
-    const uint64_t span = 1ull << 45;
-    const uint64_t limit = span - span % range;
-    // A rejection has a chance below 2^-13; the bound only rules out an endless loop.
-    uint64_t r = 0;
-    for (int attempt = 0; attempt < 64; ++attempt) {
-        r = (static_cast<uint64_t>(zbp::rand()) << 30) |
-            (static_cast<uint64_t>(zbp::rand()) << 15) | static_cast<uint64_t>(zbp::rand());
-        if (r < limit) {
-            break;
-        }
+    // 2^64 mod range values at the bottom are refused, so that every value is equally likely.
+    const uint64_t refused = (static_cast<uint64_t>(0) - range) % range;
+    uint64_t r = nextMix(state);
+    // A refusal has a chance below 2^-32; the bound only rules out an endless loop.
+    for (int attempt = 1; attempt < 64 && r < refused; ++attempt) {
+        r = nextMix(state);
     }
     return static_cast<int>(lo + static_cast<int64_t>(r % range));
 }

@@ -26,7 +26,9 @@ public:
     double Gaussian(float sigma, float mean);
     // Adds the calendar time in seconds to ms_randomseed (wrapping), seeds the generator
     // with it, and returns a uniform draw from the closed range between the two arguments
-    // (in either order; equal arguments give that value).
+    // (in either order; equal arguments give that value). The draw comes from a generator of
+    // its own started from the same seed: the runtime's generator is left untouched after
+    // srand, so the draws that follow are those of srand(ms_randomseed).
     static int GetRandom(int a, int b);
 };
 

@@ -48,7 +48,7 @@ std::string posixMode(const char* mode) {
 } // namespace
 
 FILE* fopen(const char* path, const char* mode) {
-    if (path == nullptr || mode == nullptr) {
+    if (path == nullptr || mode == nullptr || mode[0] == '\0') {
         errno = EINVAL;
         return nullptr;
     }
@@ -79,12 +79,12 @@ int _fileno(FILE* stream) {
     return stream != nullptr ? ::fileno(stream) : -1;
 }
 
-long _filelength(int fd) {
+long long _filelengthi64(int fd) {
     struct stat info;
     if (::fstat(fd, &info) != 0) {
         return -1;
     }
-    return static_cast<long>(info.st_size);
+    return static_cast<long long>(info.st_size);
 }
 
 int _read(int fd, void* buffer, unsigned int count) {

@@ -5,6 +5,9 @@
 namespace zbp {
 
 char* _strlwr(char* text) {
+    if (text == nullptr) {
+        return nullptr;
+    }
     for (char* p = text; *p != '\0'; ++p) {
         if (*p >= 'A' && *p <= 'Z') {
             *p = static_cast<char>(*p - 'A' + 'a');
@@ -14,6 +17,9 @@ char* _strlwr(char* text) {
 }
 
 char* _strupr(char* text) {
+    if (text == nullptr) {
+        return nullptr;
+    }
     for (char* p = text; *p != '\0'; ++p) {
         if (*p >= 'a' && *p <= 'z') {
             *p = static_cast<char>(*p - 'a' + 'A');

@@ -1,6 +1,40 @@
 #include "zbBase/platform/detail/zbpThread.h"
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+
+#include <atomic>
+#include <string.h>
+
+namespace zbp {
+
+namespace {
+
+typedef BOOLEAN(WINAPI* ShutdownQuery)();
+
+// Found once; a constant-initialised atomic needs no guard of the runtime, which may be the
+// last thing to count on while the process ends.
+std::atomic<ShutdownQuery> s_shutdownQuery{nullptr};
+
+} // namespace
+
+bool processExiting() {
+    // ntdll's own flag: set when an ending process begins to detach its DLLs, after the
+    // system has ended the other threads. Windows has had it since XP.
+    ShutdownQuery query = s_shutdownQuery.load(std::memory_order_relaxed);
+    if (query == nullptr) {
+        HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+        FARPROC address =
+            ntdll != nullptr ? GetProcAddress(ntdll, "RtlDllShutdownInProgress") : nullptr;
+        static_assert(sizeof query == sizeof address, "function pointers of one size");
+        memcpy(&query, &address, sizeof query);
+        s_shutdownQuery.store(query, std::memory_order_relaxed);
+    }
+    return query != nullptr && query() != 0;
+}
+
+} // namespace zbp
+
+#else
 
 #include <thread>
 
@@ -49,9 +83,17 @@ void EnterCriticalSection(CRITICAL_SECTION* section) {
     pthread_mutex_lock(&section->Mutex);
 }
 
-void LeaveCriticalSection(CRITICAL_SECTION* section) { pthread_mutex_unlock(&section->Mutex); }
+void LeaveCriticalSection(CRITICAL_SECTION* section) {
+    pthread_mutex_unlock(&section->Mutex);
+}
 
-void DeleteCriticalSection(CRITICAL_SECTION* section) { pthread_mutex_destroy(&section->Mutex); }
+void DeleteCriticalSection(CRITICAL_SECTION* section) {
+    pthread_mutex_destroy(&section->Mutex);
+}
+
+bool processExiting() {
+    return false;
+}
 
 } // namespace zbp
 

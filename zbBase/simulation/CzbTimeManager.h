@@ -39,12 +39,20 @@ public:
     // Sets the simulated time to msec / 1000 seconds; the mode stays and no message is sent.
     virtual void SetTime(int msec);
     virtual void SetPause();
-    // The time split into parts, each truncated toward zero (a negative time gives parts that
-    // are negative or zero). Reads the time through GetTime(0).
-    virtual void GetTime(int* hours, int* minutes, int* seconds, int* msec);
-    // Seconds if unit is 0, milliseconds otherwise. In Play this moves m_endCount and
-    // m_currentTime.
+    // GetTime(int*, int*, int*, int*): the time split into parts, each truncated toward zero
+    // (a negative time gives parts that are negative or zero); reads the time through
+    // GetTime(0). GetTime(int): seconds if unit is 0, milliseconds otherwise; in Play this
+    // moves m_endCount and m_currentTime.
+    // The table of virtual functions holds GetTime(int*, int*, int*, int*) before GetTime(int)
+    // with every compiler. Visual C++ puts overloaded virtual functions into the table in the
+    // reverse order of their declaration, so for it they are declared the other way round.
+#if defined(_MSC_VER)
     virtual double GetTime(int unit);
+    virtual void GetTime(int* hours, int* minutes, int* seconds, int* msec);
+#else
+    virtual void GetTime(int* hours, int* minutes, int* seconds, int* msec);
+    virtual double GetTime(int unit);
+#endif
     virtual PlayMode GetPlayMode();
     // A negative rate is ignored; 0 freezes the time while the mode stays Play.
     virtual void SetSpeedRate(double rate);

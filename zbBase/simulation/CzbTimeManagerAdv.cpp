@@ -66,7 +66,9 @@ CzbTimeManagerAdv::~CzbTimeManagerAdv() {
     }
     m_playerStop = true;
     m_threadState = 2;
-    while (m_playerAlive.load(std::memory_order_acquire)) {
+    // A static clock of a host's DLL is destroyed at the end of the process, after the system
+    // has ended the player where it stood: it will never say goodbye then.
+    while (m_playerAlive.load(std::memory_order_acquire) && !zbp::processExiting()) {
         zbp::Sleep(1);
     }
 }

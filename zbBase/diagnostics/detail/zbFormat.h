@@ -9,9 +9,11 @@ namespace zbBase {
 namespace detail {
 
 // Formats into `out` of `bytes` bytes: a longer result is cut and always terminated, and a
-// format the runtime rejects gives the empty text.
+// null format or one that the runtime rejects gives the empty text. (A null format never
+// reaches the runtime: the Visual C++ runtime ends the process on it. A conversion that it
+// rejects, such as %n, ends the process there all the same: formats are the host's.)
 inline void formatBounded(char* out, size_t bytes, const char* format, va_list args) {
-    if (std::vsnprintf(out, bytes, format, args) < 0) {
+    if (format == nullptr || std::vsnprintf(out, bytes, format, args) < 0) {
         out[0] = '\0';
     }
 }

@@ -1,7 +1,7 @@
 // Counter, calendar time and sleeping, under their Windows names, in namespace zbp.
 #pragma once
 
-#include "zbBase/platform/zbPlatformTypes.h"
+#include "zbBase/platform/detail/zbpSystem.h"
 
 #include <time.h>
 

@@ -5,6 +5,7 @@
 // "t" is accepted on every platform.
 #pragma once
 
+#include <errno.h>
 #include <stddef.h>
 #include <stdio.h>
 
@@ -20,15 +21,49 @@
 namespace zbp {
 
 #if defined(_WIN32)
-using ::_filelength;
 using ::_fileno;
-using ::_read;
-using ::fopen_s;
 #if !defined(ZBP_OWN_FREAD_S)
 using ::fread_s;
 #endif
+// The Visual C++ runtime ends the process (through its invalid-parameter handler) when a
+// stream is opened with a null path or mode, read from a bad descriptor or with more than
+// INT_MAX bytes at once: such calls fail here with errno instead, as they do elsewhere.
 inline FILE* fopen(const char* path, const char* mode) {
+    if (path == nullptr || mode == nullptr || mode[0] == '\0') {
+        errno = EINVAL;
+        return nullptr;
+    }
     return ::fopen(path, mode);
+}
+inline errno_t fopen_s(FILE** stream, const char* path, const char* mode) {
+    if (stream == nullptr) {
+        return EINVAL;
+    }
+    *stream = nullptr;
+    if (path == nullptr || mode == nullptr || mode[0] == '\0') {
+        errno = EINVAL;
+        return EINVAL;
+    }
+    return ::fopen_s(stream, path, mode);
+}
+// Length in bytes of the open file, 64 bits wide (the runtime's _filelength is 32-bit), or -1.
+inline long long _filelengthi64(int fd) {
+    if (fd < 0) {
+        errno = EBADF;
+        return -1;
+    }
+    return ::_filelengthi64(fd);
+}
+inline int _read(int fd, void* buffer, unsigned int count) {
+    if (fd < 0) {
+        errno = EBADF;
+        return -1;
+    }
+    if (buffer == nullptr && count > 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    return ::_read(fd, buffer, count > 0x7fffffffu ? 0x7fffffffu : count);
 }
 #else
 typedef int errno_t;
@@ -39,7 +74,7 @@ FILE* fopen(const char* path, const char* mode);
 errno_t fopen_s(FILE** stream, const char* path, const char* mode);
 int _fileno(FILE* stream);
 // Length in bytes of the open file, or -1.
-long _filelength(int fd);
+long long _filelengthi64(int fd);
 // Reads up to count bytes; returns the bytes read, 0 at the end, -1 on failure.
 int _read(int fd, void* buffer, unsigned int count);
 #endif

@@ -5,7 +5,7 @@
 // copies regular files only and never onto the source itself.
 #pragma once
 
-#include "zbBase/platform/zbPlatformTypes.h"
+#include "zbBase/platform/detail/zbpSystem.h"
 
 #include <stdio.h>
 

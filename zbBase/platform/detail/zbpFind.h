@@ -12,7 +12,7 @@
 // listings never leaves the tree and never loops.
 #pragma once
 
-#include "zbBase/platform/zbPlatformTypes.h"
+#include "zbBase/platform/detail/zbpSystem.h"
 
 #include <stddef.h>
 #include <stdint.h>
@@ -24,6 +24,7 @@
 
 #if defined(_WIN32)
 #include <stdlib.h>
+#include <string.h>
 #endif
 
 namespace zbp {
@@ -34,12 +35,43 @@ using ::_findfirst64;
 using ::_findfirst64i32;
 using ::_findnext64;
 using ::_findnext64i32;
-using ::_splitpath;
 using ::FindClose;
 using ::FindFirstFileA;
 using ::FindNextFileA;
 using ::HANDLE;
 using ::WIN32_FIND_DATAA;
+
+// The runtime's split, given only what it can take: a null path, or one with a part longer
+// than its buffer (_MAX_DIR and so on, terminator included), which would make the Visual C++
+// runtime end the process, gives four empty parts instead.
+inline void _splitpath(const char* path, char* drive, char* dir, char* fname, char* ext) {
+    size_t length = path != nullptr ? strlen(path) : 0;
+    size_t dirStart = length >= 2 && path[1] == ':' ? 2 : 0;
+    size_t nameStart = dirStart;
+    for (size_t i = dirStart; i < length; ++i) {
+        if (path[i] == '\\' || path[i] == '/') {
+            nameStart = i + 1;
+        }
+    }
+    size_t dot = length;
+    for (size_t i = length; i > nameStart; --i) {
+        if (path[i - 1] == '.') {
+            dot = i - 1;
+            break;
+        }
+    }
+    if (path != nullptr && nameStart - dirStart < _MAX_DIR && dot - nameStart < _MAX_FNAME &&
+        length - dot < _MAX_EXT) {
+        ::_splitpath(path, drive, dir, fname, ext);
+        return;
+    }
+    char* parts[] = {drive, dir, fname, ext};
+    for (char* part : parts) {
+        if (part != nullptr) {
+            part[0] = '\0';
+        }
+    }
+}
 #else
 typedef void* HANDLE;
 #define INVALID_HANDLE_VALUE ((zbp::HANDLE)(intptr_t)-1)

@@ -5,7 +5,7 @@
 // paths read from the system have their slashes turned into backslashes.
 #pragma once
 
-#include "zbBase/platform/zbPlatformTypes.h"
+#include "zbBase/platform/detail/zbpSystem.h"
 
 #include <string>
 

@@ -1,0 +1,129 @@
+// Host input that the Visual C++ runtime would answer by ending the process (its
+// invalid-parameter handler): null paths, modes and formats never reach the runtime. Each
+// operation gives its documented failure result instead, on every platform.
+#include <zbBase/zbBase.h>
+
+#include <zbBase/platform/detail/zbpFileIO.h>
+#include <zbBase/platform/detail/zbpFind.h>
+
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+using zbtest::TempFolder;
+
+TEST(HostInputFault, NullPathsFailAsFilesThatCannotBeOpened) {
+    zbBase::CzbFileMgrB records;
+    records.SetDataSize(4, 4);
+    EXPECT_FALSE(records.OpenFile(nullptr));
+    records.MakeFile(nullptr);
+
+    zbBase::CzbFileMgrAdv blocks;
+    char block[8] = "1234567";
+    blocks.addDataSize(block, sizeof block);
+    EXPECT_FALSE(blocks.writeFile(nullptr, 1.0f));
+    EXPECT_EQ(blocks.readFile(nullptr, false), 0);
+    EXPECT_FALSE(blocks.editFile(nullptr, 0, block, sizeof block));
+    EXPECT_EQ(blocks.getFileHeaderInfo(nullptr).blockCount, 0u);
+
+    zbBase::CzbFileMgr sections;
+    EXPECT_FALSE(sections.OpenFile(nullptr));
+
+    CzbFileDB items;
+    EXPECT_FALSE(items.savefile(nullptr));
+    EXPECT_FALSE(items.openfile(nullptr));
+
+    CzbTrace trace;
+    EXPECT_FALSE(trace.setTraceFileName(nullptr, true));
+    trace.setMode(CzbTrace::ModeQueue);
+    char message[] = "kept";
+    trace.setTrace(message);
+    trace.setWriteFile(nullptr, false);
+    EXPECT_EQ(trace.getTraceNum(), 1); // the queue stays as it was
+}
+
+TEST(HostInputFault, NullFormatsGiveTheEmptyText) {
+    CzbLogger logger(4, 64);
+    logger.setLog(nullptr);
+    ASSERT_EQ(logger.GetLogDataNum(), 1);
+    EXPECT_STREQ(logger.GetLogData(0)->text, "");
+
+    CzbTrace trace;
+    trace.setMode(CzbTrace::ModeQueue);
+    trace.setTrace(nullptr);
+    ASSERT_EQ(trace.getTraceNum(), 1);
+    EXPECT_STREQ(trace.getTraceFront(), "");
+
+    CzbText text;
+    EXPECT_STREQ(text.getFormat(nullptr), "");
+
+    zbBase::CzbStringT value("before");
+    value.Format(nullptr);
+    EXPECT_EQ(value.GetLength(), 0);
+}
+
+TEST(HostInputFault, NullTextsAreLeftAlone) {
+    zbBase::CzbString::MakeLower(nullptr);
+    zbBase::CzbString::MakeUpper(nullptr);
+    char text[] = "MiXeD";
+    zbBase::CzbString::MakeLower(text);
+    EXPECT_STREQ(text, "mixed");
+}
+
+TEST(HostInputFault, StreamsAndDescriptorsAreCheckedFirst) {
+    errno = 0;
+    EXPECT_EQ(zbp::fopen("x", ""), nullptr);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(zbp::fopen(nullptr, "rb"), nullptr);
+    FILE* stream = stdout; // set to null on failure
+    EXPECT_EQ(zbp::fopen_s(&stream, nullptr, "rb"), EINVAL);
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(zbp::fopen_s(nullptr, "x", "rb"), EINVAL);
+    char buffer[4];
+    EXPECT_EQ(zbp::_read(-1, buffer, sizeof buffer), -1);
+    EXPECT_EQ(zbp::_filelengthi64(-1), -1);
+
+    TempFolder folder;
+    const std::string name = folder.file("four.bin");
+    zbtest::writeBytes(name, "abcd");
+    FILE* file = zbp::fopen(name.c_str(), "rb");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(zbp::_read(zbp::_fileno(file), nullptr, 4), -1);
+    EXPECT_EQ(zbp::_read(zbp::_fileno(file), buffer, sizeof buffer), 4);
+    EXPECT_EQ(std::memcmp(buffer, "abcd", 4), 0);
+    fclose(file);
+}
+
+TEST(HostInputFault, PathsWithPartsTooLongForTheRuntime) {
+    // A folder part of 256 characters (one more than the runtime's split takes) finds nothing.
+    CzbFileUtil util;
+    std::string path = std::string(256, 'd') + "\\*.txt";
+    util.FindFile(&path[0], false);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
+
+    char drive[_MAX_DRIVE] = "x";
+    char dir[_MAX_DIR] = "x";
+    char name[_MAX_FNAME] = "x";
+    char ext[_MAX_EXT] = "x";
+    zbp::_splitpath(nullptr, drive, dir, name, ext);
+    EXPECT_STREQ(dir, "");
+    EXPECT_STREQ(name, "");
+#if defined(_WIN32)
+    // Where the runtime splits, a part that would not fit gives empty parts.
+    zbp::_splitpath(path.c_str(), drive, dir, name, ext);
+    EXPECT_STREQ(drive, "");
+    EXPECT_STREQ(dir, "");
+    EXPECT_STREQ(name, "");
+    EXPECT_STREQ(ext, "");
+    zbp::_splitpath("C:\\a\\b.txt", drive, dir, name, ext);
+    EXPECT_STREQ(drive, "C:");
+    EXPECT_STREQ(dir, "\\a\\");
+    EXPECT_STREQ(name, "b");
+    EXPECT_STREQ(ext, ".txt");
+#endif
+}
