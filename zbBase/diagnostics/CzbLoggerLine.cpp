@@ -74,29 +74,5 @@ size_t LogLineFormatter::header(char* out, int number, char level, const SYSTEMT
     return 41;
 }
 
-size_t copyLogText(char* out, const char* text, size_t length) {
-#if defined(_WIN32)
-    size_t written = 0;
-    const char* end = text + length;
-    while (text < end) {
-        const char* lf =
-            static_cast<const char*>(memchr(text, '\n', static_cast<size_t>(end - text)));
-        size_t part = (lf != nullptr ? lf : end) - text;
-        memcpy(out + written, text, part);
-        written += part;
-        text += part;
-        if (lf != nullptr) {
-            memcpy(out + written, kLogEol, kLogEolLength);
-            written += kLogEolLength;
-            ++text;
-        }
-    }
-    return written;
-#else
-    memcpy(out, text, length);
-    return length;
-#endif
-}
-
 } // namespace detail
 } // namespace zbBase

@@ -10,9 +10,9 @@
 // A subclass may write records its own way through setLogDataToFile: for a subclass each
 // record is a run of its own, written through a text stream and flushed before it counts.
 #include "zbBase/diagnostics/CzbLogger.h"
-#include "zbBase/diagnostics/detail/CzbLoggerFile.h"
 #include "zbBase/diagnostics/detail/CzbLoggerLine.h"
 #include "zbBase/diagnostics/detail/CzbLoggerShared.h"
+#include "zbBase/diagnostics/detail/zbAppendFile.h"
 
 #include "zbBase/platform/detail/zbpClock.h"
 #include "zbBase/platform/detail/zbpThread.h"
@@ -101,7 +101,7 @@ void CzbLogger::funcLogFileSave() {
     LoggerRunRecord* const run = shared.runRecords();
     const bool ownLines = typeid(*this) == typeid(CzbLogger);
 
-    LogFileAppender file;
+    AppendFile file;
     SYSTEMTIME fileDate = pass;
     LogLineFormatter format;
     _LoggerData single = {};
@@ -138,15 +138,15 @@ void CzbLogger::funcLogFileSave() {
                 const size_t length = strnlen(record.text, maxText);
                 if (ownLines) {
                     const size_t bound =
-                        LogLineFormatter::kMaxHeader + 1 + logTextBound(length) + kLogEolLength;
+                        LogLineFormatter::kMaxHeader + 1 + textModeBound(length) + kTextEolLength;
                     if (used + bound > capacity) {
                         more = false;
                         break;
                     }
                     used += format.header(buffer + used, record.number, record.level, record.time);
-                    used += copyLogText(buffer + used, record.text, length);
-                    memcpy(buffer + used, kLogEol, kLogEolLength);
-                    used += kLogEolLength;
+                    used += copyAsTextMode(buffer + used, record.text, length);
+                    memcpy(buffer + used, kTextEol, kTextEolLength);
+                    used += kTextEolLength;
                 } else {
                     single = record;
                     memcpy(buffer, record.text, length);

@@ -1,5 +1,6 @@
 #include "zbBase/diagnostics/detail/CzbLoggerShared.h"
 #include "zbBase/diagnostics/detail/CzbLoggerLine.h"
+#include "zbBase/diagnostics/detail/zbAppendFile.h"
 
 #include <cstddef>
 #include <new>
@@ -79,7 +80,7 @@ size_t LoggerShared::maxSavedText(int stringLen) {
 
 bool LoggerShared::reserveRun(int stringLen) {
     const size_t bytes = kRunBytes + LogLineFormatter::kMaxHeader + 1 +
-                         logTextBound(maxSavedText(stringLen)) + kLogEolLength;
+                         textModeBound(maxSavedText(stringLen)) + kTextEolLength;
     if (m_runBuffer != nullptr && m_runBytes >= bytes) {
         return true;
     }

@@ -28,22 +28,5 @@ private:
     WORD m_key[6] = {0xffff, 0xffff, 0xffff, 0xffff, 0xffff, 0xffff};
 };
 
-// The line end of a text-mode stream on this platform.
-#if defined(_WIN32)
-const char kLogEol[] = "\r\n";
-#else
-const char kLogEol[] = "\n";
-#endif
-const size_t kLogEolLength = sizeof kLogEol - 1;
-
-// Bytes that a text of `length` characters can take in a line, its line ends translated.
-inline size_t logTextBound(size_t length) {
-    return length * kLogEolLength;
-}
-
-// Copies text as a text-mode stream would write it (every '\n' becomes kLogEol); returns the
-// bytes written, at most logTextBound(length).
-size_t copyLogText(char* out, const char* text, size_t length);
-
 } // namespace detail
 } // namespace zbBase

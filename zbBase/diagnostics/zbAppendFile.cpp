@@ -1,12 +1,49 @@
-#include "zbBase/diagnostics/detail/CzbLoggerFile.h"
-#include "zbBase/diagnostics/detail/CzbLoggerLine.h"
+#include "zbBase/diagnostics/detail/zbAppendFile.h"
 
 #include "zbBase/platform/detail/zbpFileIO.h"
+
+#include <string.h>
 
 namespace zbBase {
 namespace detail {
 
-bool LogFileAppender::open(const char* name, bool raw) {
+size_t textModeSize(const char* text, size_t length) {
+    size_t bytes = length;
+#if defined(_WIN32)
+    for (size_t i = 0; i < length; ++i) {
+        bytes += text[i] == '\n' ? kTextEolLength - 1 : 0;
+    }
+#else
+    (void)text;
+#endif
+    return bytes;
+}
+
+size_t copyAsTextMode(char* out, const char* text, size_t length) {
+#if defined(_WIN32)
+    size_t written = 0;
+    const char* end = text + length;
+    while (text < end) {
+        const char* lf =
+            static_cast<const char*>(memchr(text, '\n', static_cast<size_t>(end - text)));
+        size_t part = static_cast<size_t>((lf != nullptr ? lf : end) - text);
+        memcpy(out + written, text, part);
+        written += part;
+        text += part;
+        if (lf != nullptr) {
+            memcpy(out + written, kTextEol, kTextEolLength);
+            written += kTextEolLength;
+            ++text;
+        }
+    }
+    return written;
+#else
+    memcpy(out, text, length);
+    return length;
+#endif
+}
+
+bool AppendFile::open(const char* name, bool raw) {
     close();
     // Reading is needed only to look at the last byte; a file that may be written but not
     // read is still appended to, without that look.
@@ -25,7 +62,7 @@ bool LogFileAppender::open(const char* name, bool raw) {
     return true;
 }
 
-bool LogFileAppender::close() {
+bool AppendFile::close() {
     if (m_file == nullptr) {
         return true;
     }
@@ -34,7 +71,7 @@ bool LogFileAppender::close() {
     return closed;
 }
 
-bool LogFileAppender::startLine() {
+bool AppendFile::startLine() {
     if (!m_mayEndInPart) {
         return true;
     }
@@ -46,8 +83,8 @@ bool LogFileAppender::startLine() {
         // A stream turns from reading to writing only through a positioning call.
         fseek(m_file, 0, SEEK_END);
         if (last != EOF && last != '\n') {
-            const char* eol = m_raw ? kLogEol : "\n";
-            size_t length = m_raw ? kLogEolLength : 1;
+            const char* eol = m_raw ? kTextEol : "\n";
+            size_t length = m_raw ? kTextEolLength : 1;
             ok = fwrite(eol, 1, length, m_file) == length && fflush(m_file) == 0;
         }
     }
@@ -58,7 +95,7 @@ bool LogFileAppender::startLine() {
     return ok;
 }
 
-size_t LogFileAppender::append(const char* bytes, size_t length) {
+size_t AppendFile::append(const char* bytes, size_t length) {
     if (m_file == nullptr || !startLine()) {
         return 0;
     }
@@ -71,11 +108,11 @@ size_t LogFileAppender::append(const char* bytes, size_t length) {
     return written;
 }
 
-bool LogFileAppender::startRecord() {
+bool AppendFile::startRecord() {
     return m_file != nullptr && startLine();
 }
 
-bool LogFileAppender::endRecord() {
+bool AppendFile::endRecord() {
     bool ok = fflush(m_file) == 0 && ferror(m_file) == 0;
     if (!ok) {
         clearerr(m_file);
