@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cstring>
@@ -416,4 +417,61 @@ TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
         EXPECT_EQ(lines, 52u);
     } // and the destructor does not wait out the period
     EXPECT_LT(seconds(), 60.0);
+}
+
+namespace {
+// A subclass that also runs save passes from threads of its own. Like every subclass whose
+// operations the saver calls, it stops the saver before its own part is destroyed.
+class PassingLogger : public CzbLogger {
+public:
+    PassingLogger(int records, int bytes) : CzbLogger(records, bytes) {}
+    ~PassingLogger() override {
+        int running = 1;
+        if (m_threadState.compare_exchange_strong(running, 2)) {
+            while (m_threadState.load() != 0) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }
+    }
+    void savePass() { funcLogFileSave(); }
+};
+} // namespace
+
+TEST(CzbLogger, PassesOnSeveralThreadsWriteWholeLines) {
+    TempFolder folder;
+    const int count = 3000;
+    {
+        PassingLogger logger(count + 1, 64);
+        logger.setWriteFileMode(Text(folder.file("Many")), 1);
+        std::atomic<bool> writing{true};
+        std::vector<std::thread> passes;
+        for (int t = 0; t < 2; ++t) {
+            passes.emplace_back([&] {
+                while (writing.load()) {
+                    logger.savePass();
+                }
+            });
+        }
+        for (int i = 0; i < count; ++i) {
+            logger.setLog(Text("record %05d"), i);
+        }
+        logger.resetLogCount(1);
+        writing.store(false);
+        for (auto& thread : passes) {
+            thread.join();
+        }
+    }
+    // Passes that overlap may both write a record; every line stays whole.
+    std::vector<int> seen(count, 0);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        for (const auto& line : diagtest::readLines(entry.path())) {
+            std::smatch match;
+            ASSERT_TRUE(std::regex_match(line, match, kLine)) << line;
+            ASSERT_EQ(match[2].str(), "record " + match[1].str().substr(3));
+            ++seen[std::stoi(match[1])];
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        ASSERT_GE(seen[i], 1) << i;
+    }
 }

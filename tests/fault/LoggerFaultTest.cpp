@@ -109,6 +109,15 @@ int checkSavedOrMarked(CzbLogger& logger, int count, const std::vector<std::stri
 class TaggedLogger : public CzbLogger {
 public:
     TaggedLogger(int records, int bytes) : CzbLogger(records, bytes) {}
+    // The saver calls this class's operation: it stops before this part is destroyed.
+    ~TaggedLogger() override {
+        int running = 1;
+        if (m_threadState.compare_exchange_strong(running, 2)) {
+            while (m_threadState.load() != 0) {
+                usleep(1000);
+            }
+        }
+    }
     void setLogDataToFile(FILE* file, _LoggerData* data) override {
         fprintf(file, "tag %d %s\n", data->number, data->text);
     }

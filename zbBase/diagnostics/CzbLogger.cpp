@@ -107,8 +107,13 @@ void CzbLogger::copyRingFrom(const CzbLogger& other) {
 
 void CzbLogger::startSaver() {
     // The saver's buffer is made before the thread: a saver that runs never lacks it.
-    if (!LoggerShared::of(m_logData).reserveRun(m_stringLen)) {
-        return;
+    LoggerShared& shared = LoggerShared::of(m_logData);
+    if (shared.claimRun()) {
+        bool reserved = shared.reserveRun(m_stringLen);
+        shared.releaseRun();
+        if (!reserved) {
+            return;
+        }
     }
     m_threadState.store(1);
     if (zbp::_beginthread(&CzbLogger::threadLogFileSave, 0, this) == static_cast<uintptr_t>(-1)) {

@@ -17,6 +17,7 @@
 #include "zbBase/platform/detail/zbpClock.h"
 #include "zbBase/platform/detail/zbpThread.h"
 
+#include <new>
 #include <string.h>
 #include <typeinfo>
 
@@ -67,6 +68,54 @@ void markUnsaved(CzbLogger& logger, const LoggerRunRecord* records, int count, i
     }
 }
 
+// The buffer of one pass: the logger's own run buffer, or one made for this pass where
+// another pass holds that one.
+class PassBuffer {
+public:
+    PassBuffer(zbBase::detail::LoggerShared& shared, int stringLen) : m_shared(shared) {
+        using zbBase::detail::LoggerShared;
+        if (shared.claimRun()) {
+            m_claimed = true;
+            if (shared.reserveRun(stringLen)) {
+                m_buffer = shared.runBuffer();
+                m_bytes = shared.runBytes();
+                m_records = shared.runRecords();
+            }
+            return;
+        }
+        m_bytes = LoggerShared::runBufferBytes(stringLen);
+        m_ownBuffer = new (std::nothrow) char[m_bytes];
+        m_ownRecords = new (std::nothrow) LoggerRunRecord[LoggerShared::kRunRecords];
+        if (m_ownBuffer != nullptr && m_ownRecords != nullptr) {
+            m_buffer = m_ownBuffer;
+            m_records = m_ownRecords;
+        }
+    }
+    ~PassBuffer() {
+        delete[] m_ownBuffer;
+        delete[] m_ownRecords;
+        if (m_claimed) {
+            m_shared.releaseRun();
+        }
+    }
+    PassBuffer(const PassBuffer&) = delete;
+    PassBuffer& operator=(const PassBuffer&) = delete;
+
+    bool ok() const { return m_buffer != nullptr; }
+    char* buffer() const { return m_buffer; }
+    size_t bytes() const { return m_bytes; }
+    LoggerRunRecord* records() const { return m_records; }
+
+private:
+    zbBase::detail::LoggerShared& m_shared;
+    bool m_claimed = false;
+    char* m_buffer = nullptr;
+    size_t m_bytes = 0;
+    LoggerRunRecord* m_records = nullptr;
+    char* m_ownBuffer = nullptr;
+    LoggerRunRecord* m_ownRecords = nullptr;
+};
+
 } // namespace
 
 bool CzbLogger::buildName(char* name, size_t bytes, const SYSTEMTIME& t) const {
@@ -91,14 +140,14 @@ void CzbLogger::funcLogFileSave() {
     SYSTEMTIME pass;
     zbp::GetLocalTime(&pass);
 
-    LoggerShared& shared = LoggerShared::of(m_logData);
     const size_t maxText = LoggerShared::maxSavedText(m_stringLen);
-    if (!shared.reserveRun(m_stringLen)) {
+    PassBuffer runSpace(LoggerShared::of(m_logData), m_stringLen);
+    if (!runSpace.ok()) {
         return; // no memory for the run: the records wait for the next pass
     }
-    char* const buffer = shared.runBuffer();
-    const size_t capacity = shared.runBytes();
-    LoggerRunRecord* const run = shared.runRecords();
+    char* const buffer = runSpace.buffer();
+    const size_t capacity = runSpace.bytes();
+    LoggerRunRecord* const run = runSpace.records();
     const bool ownLines = typeid(*this) == typeid(CzbLogger);
 
     AppendFile file;

@@ -78,9 +78,13 @@ size_t LoggerShared::maxSavedText(int stringLen) {
     return length < kMaxSavedText ? length : kMaxSavedText;
 }
 
+size_t LoggerShared::runBufferBytes(int stringLen) {
+    return kRunBytes + LogLineFormatter::kMaxHeader + 1 + textModeBound(maxSavedText(stringLen)) +
+           kTextEolLength;
+}
+
 bool LoggerShared::reserveRun(int stringLen) {
-    const size_t bytes = kRunBytes + LogLineFormatter::kMaxHeader + 1 +
-                         textModeBound(maxSavedText(stringLen)) + kTextEolLength;
+    const size_t bytes = runBufferBytes(stringLen);
     if (m_runBuffer != nullptr && m_runBytes >= bytes) {
         return true;
     }

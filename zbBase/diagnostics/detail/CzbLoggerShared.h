@@ -71,6 +71,12 @@ public:
     bool reserveRun(int stringLen);
     // The longest text saved from a block of `stringLen` bytes.
     static size_t maxSavedText(int stringLen);
+    // Bytes of a run buffer for texts of blocks of `stringLen` bytes.
+    static size_t runBufferBytes(int stringLen);
+    // The run buffer belongs to one pass at a time: a pass that finds it taken (a subclass
+    // running passes on a thread of its own besides the saver) makes a buffer of its own.
+    bool claimRun() { return !m_runClaimed.exchange(true, std::memory_order_acquire); }
+    void releaseRun() { m_runClaimed.store(false, std::memory_order_release); }
     char* runBuffer() const { return m_runBuffer; }
     size_t runBytes() const { return m_runBytes; }
     LoggerRunRecord* runRecords() const { return m_runRecords; }
@@ -84,6 +90,7 @@ private:
     std::condition_variable m_wake;
     std::condition_variable m_passEnd;
     std::atomic<bool> m_passRequested{false};
+    std::atomic<bool> m_runClaimed{false};
     unsigned m_passes = 0;
     char* m_runBuffer = nullptr;
     size_t m_runBytes = 0;
