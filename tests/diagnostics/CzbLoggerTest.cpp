@@ -369,22 +369,22 @@ TEST(CzbLogger, UnusualFieldsAndLongRunsKeepThePrintfBytes) {
     EXPECT_STREQ(wrap.GetLogData(3)->text, "min");
 }
 
-TEST(CzbLogger, ALineLeftUnfinishedIsNeverContinued) {
+TEST(CzbLogger, AnExistingFileIsAppendedToAsItStands) {
     TempFolder folder;
     std::string prefix = folder.file("Part");
     CzbLogger logger(8, 64);
     logger.setLog(Text("own line"));
     std::string name = prefix + "_" + yymmdd(logger.m_logData[0].time) + ".log";
-    diagtest::writeBytes(name, "cut sho");
+    // What the host left in the file is its own: only lines the logger cut get a line end.
+    diagtest::writeBytes(name, "host text");
     logger.setWriteFileMode(Text(prefix), 1);
     logger.resetLogCount(1);
     EXPECT_EQ(diagtest::readBytes(name),
-              "cut sho" + diagtest::kEol + expectedLine(logger.m_logData[0]) + diagtest::kEol);
-    // A file that ends with its line end is only appended to.
+              "host text" + expectedLine(logger.m_logData[0]) + diagtest::kEol);
     logger.setLog(Text("next"));
     logger.resetLogCount(1);
-    EXPECT_EQ(diagtest::readLines(name).size(), 3u);
-    EXPECT_EQ(diagtest::readLines(name)[2], expectedLine(logger.m_logData[0]));
+    EXPECT_EQ(diagtest::readLines(name).size(), 2u);
+    EXPECT_EQ(diagtest::readLines(name)[1], expectedLine(logger.m_logData[0]));
 }
 
 TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {

@@ -11,8 +11,8 @@
 // "<folder>\yyyymmdd\<prefix>_yyyymmdd.log" with the date of the save pass (mode 1). The
 // logger creates no folder: a record whose file cannot be opened, or whose line does not reach
 // the file whole (a full disk, a failed device), gets "(File Open Fail)" at the end of its text
-// in the ring (the text is cut to make room) and is not tried again. A line left unfinished by
-// a failed write is never continued: the next record starts on a line of its own.
+// in the ring (the text is cut to make room) and is not tried again. A line that a failed write
+// left unfinished is never continued: the next record starts on a line of its own.
 //
 // Threads: a save pass copies runs of records out of the ring in short holds of the lock, so it
 // never sees a record half-filled, writes each run with one checked write, and publishes

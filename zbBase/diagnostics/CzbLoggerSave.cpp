@@ -141,7 +141,8 @@ void CzbLogger::funcLogFileSave() {
     zbp::GetLocalTime(&pass);
 
     const size_t maxText = LoggerShared::maxSavedText(m_stringLen);
-    PassBuffer runSpace(LoggerShared::of(m_logData), m_stringLen);
+    LoggerShared& shared = LoggerShared::of(m_logData);
+    PassBuffer runSpace(shared, m_stringLen);
     if (!runSpace.ok()) {
         return; // no memory for the run: the records wait for the next pass
     }
@@ -150,6 +151,7 @@ void CzbLogger::funcLogFileSave() {
     LoggerRunRecord* const run = runSpace.records();
     const bool ownLines = typeid(*this) == typeid(CzbLogger);
 
+    char name[256];
     AppendFile file;
     SYSTEMTIME fileDate = pass;
     LogLineFormatter format;
@@ -211,10 +213,12 @@ void CzbLogger::funcLogFileSave() {
         }
 
         if (!file.isOpen() || !sameDay(fileDate, runDate)) {
-            file.close();
-            char name[256];
+            if (file.isOpen()) {
+                shared.remember(name, file.end());
+                file.close();
+            }
             if (buildName(name, sizeof name, runDate)) {
-                file.open(name, ownLines);
+                file.open(name, ownLines, shared.endOf(name));
             }
             fileDate = runDate;
         }
@@ -233,5 +237,8 @@ void CzbLogger::funcLogFileSave() {
             break;
         }
         save = last;
+    }
+    if (file.isOpen()) {
+        shared.remember(name, file.end());
     }
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <new>
+#include <string.h>
 
 namespace zbBase {
 namespace detail {
@@ -103,6 +104,35 @@ bool LoggerShared::reserveRun(int stringLen) {
     m_runBuffer = buffer;
     m_runBytes = bytes;
     return true;
+}
+
+AppendFile::End LoggerShared::endOf(const char* name) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (const FileEnd& known : m_ends) {
+        if (known.end != AppendFile::End::Whole && strcmp(known.name, name) == 0) {
+            return known.end;
+        }
+    }
+    return AppendFile::End::Whole;
+}
+
+void LoggerShared::remember(const char* name, AppendFile::End end) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (FileEnd& known : m_ends) {
+        if (known.end != AppendFile::End::Whole && strcmp(known.name, name) == 0) {
+            known.end = end;
+            return;
+        }
+    }
+    if (end == AppendFile::End::Whole) {
+        return;
+    }
+    FileEnd& slot = m_ends[m_nextEnd];
+    m_nextEnd = (m_nextEnd + 1) % kFileEnds;
+    size_t length = strnlen(name, sizeof slot.name - 1);
+    memcpy(slot.name, name, length);
+    slot.name[length] = '\0';
+    slot.end = end;
 }
 
 } // namespace detail

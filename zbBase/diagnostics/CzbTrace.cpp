@@ -200,7 +200,7 @@ void CzbTrace::setTrace(char* format, ...) {
         // A message whose line does not reach the file whole is lost like one whose file
         // cannot be opened; the next one starts on a line of its own.
         AppendFile file;
-        if (!file.open(m_fileName, true)) {
+        if (!file.open(m_fileName, true, AppendFile::End::Unknown)) {
             return;
         }
         m_file = file.stream();
@@ -270,7 +270,7 @@ void CzbTrace::setWriteFile(char* name, bool append) {
     zbp::CriticalSectionGuard guard(&m_lock);
     if (append) {
         AppendFile file;
-        if (file.open(name, true)) {
+        if (file.open(name, true, AppendFile::End::Unknown)) {
             appendQueue(file, m_queue);
         }
         return;

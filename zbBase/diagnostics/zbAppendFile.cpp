@@ -43,22 +43,18 @@ size_t copyAsTextMode(char* out, const char* text, size_t length) {
 #endif
 }
 
-bool AppendFile::open(const char* name, bool raw) {
+bool AppendFile::open(const char* name, bool raw, End end) {
     close();
-    // Reading is needed only to look at the last byte; a file that may be written but not
-    // read is still appended to, without that look.
-    m_file = zbp::fopen(name, raw ? "a+b" : "a+");
-    if (m_file == nullptr) {
-        m_file = zbp::fopen(name, raw ? "ab" : "a");
-    }
+    m_file = zbp::fopen(name, raw ? "ab" : "a");
     if (m_file == nullptr) {
         return false;
     }
     if (raw) {
         setvbuf(m_file, nullptr, _IONBF, 0);
     }
+    m_name = name;
     m_raw = raw;
-    m_mayEndInPart = true;
+    m_end = end;
     return true;
 }
 
@@ -68,31 +64,37 @@ bool AppendFile::close() {
     }
     bool closed = fclose(m_file) == 0;
     m_file = nullptr;
+    m_name = nullptr;
     return closed;
 }
 
 bool AppendFile::startLine() {
-    if (!m_mayEndInPart) {
-        return true;
-    }
-    bool ok = true;
-    // A file that cannot seek or read (a device, a file open for writing only) is taken as it
-    // stands.
-    if (fseek(m_file, -1, SEEK_END) == 0) {
-        int last = fgetc(m_file);
-        // A stream turns from reading to writing only through a positioning call.
-        fseek(m_file, 0, SEEK_END);
-        if (last != EOF && last != '\n') {
-            const char* eol = m_raw ? kTextEol : "\n";
-            size_t length = m_raw ? kTextEolLength : 1;
-            ok = fwrite(eol, 1, length, m_file) == length && fflush(m_file) == 0;
+    if (m_end == End::Unknown) {
+        // Read through a stream of its own: a stream that has read places its writes anywhere
+        // in its buffer and may then send one line out in two writes. A file that cannot be
+        // read or cannot seek (a device) is taken as it stands.
+        m_end = End::Whole;
+        FILE* probe = zbp::fopen(m_name, "rb");
+        if (probe != nullptr) {
+            if (fseek(probe, -1, SEEK_END) == 0) {
+                int last = fgetc(probe);
+                m_end = last != EOF && last != '\n' ? End::InPart : End::Whole;
+            }
+            fclose(probe);
         }
     }
-    clearerr(m_file);
-    if (ok) {
-        m_mayEndInPart = false;
+    if (m_end == End::InPart) {
+        const char* eol = m_raw ? kTextEol : "\n";
+        const size_t length = m_raw ? kTextEolLength : 1;
+        const bool ok = fwrite(eol, 1, length, m_file) == length && fflush(m_file) == 0;
+        if (!ok) {
+            // Nothing, or part of the line end, went out: the file still ends in part.
+            clearerr(m_file);
+            return false;
+        }
+        m_end = End::Whole;
     }
-    return ok;
+    return true;
 }
 
 size_t AppendFile::append(const char* bytes, size_t length) {
@@ -100,10 +102,12 @@ size_t AppendFile::append(const char* bytes, size_t length) {
         return 0;
     }
     // Unbuffered: the count is what the system took.
-    size_t written = fwrite(bytes, 1, length, m_file);
+    const size_t written = fwrite(bytes, 1, length, m_file);
     if (written != length) {
         clearerr(m_file);
-        m_mayEndInPart = true;
+    }
+    if (written > 0) {
+        m_end = bytes[written - 1] == '\n' ? End::Whole : End::InPart;
     }
     return written;
 }
@@ -113,10 +117,11 @@ bool AppendFile::startRecord() {
 }
 
 bool AppendFile::endRecord() {
-    bool ok = fflush(m_file) == 0 && ferror(m_file) == 0;
+    const bool ok = fflush(m_file) == 0 && ferror(m_file) == 0;
     if (!ok) {
+        // How much of the record went out is not known.
         clearerr(m_file);
-        m_mayEndInPart = true;
+        m_end = End::Unknown;
     }
     return ok;
 }

@@ -7,9 +7,13 @@
 //   saver sleeps). It still looks at m_threadState at least every 10 ms.
 // - The end of each save pass, for resetLogCount to wait on.
 // - The saver's run buffer, made when the saver starts.
+// - What the saver's writes left at the end of its files: a few files whose last write stopped
+//   inside a line (or failed without telling how much went out); every other file counts as
+//   ending with a whole line.
 #pragma once
 
 #include "zbBase/diagnostics/CzbLogger.h"
+#include "zbBase/diagnostics/detail/zbAppendFile.h"
 
 #include <atomic>
 #include <chrono>
@@ -85,8 +89,20 @@ public:
     // A text the host wrote into its block beyond what setLog stores is saved up to this.
     static const size_t kMaxSavedText = 64 * 1024;
 
+    // What is known of the end of the log file `name` (at most 255 characters).
+    AppendFile::End endOf(const char* name);
+    void remember(const char* name, AppendFile::End end);
+
 private:
+    struct FileEnd {
+        char name[256];
+        AppendFile::End end;
+    };
+    static const int kFileEnds = 4;
+
     std::mutex m_mutex;
+    FileEnd m_ends[kFileEnds] = {};
+    int m_nextEnd = 0;
     std::condition_variable m_wake;
     std::condition_variable m_passEnd;
     std::atomic<bool> m_passRequested{false};
