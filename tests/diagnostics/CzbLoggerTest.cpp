@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <climits>
 #include <cstring>
 #include <ctime>
 #include <map>
@@ -311,3 +313,174 @@ TEST(CzbLogger, CopiesOwnTheirRing) {
     EXPECT_EQ(running.getBufferSize(), 4);
     EXPECT_STREQ(running.GetLogData(3)->text, "later");
 }
+
+TEST(CzbLogger, UnusualFieldsAndLongRunsKeepThePrintfBytes) {
+    TempFolder folder;
+    std::string prefix = folder.file("Odd");
+    // Records changed by hand before the saver starts: widths beyond the usual ones.
+    const int count = 3000;
+    CzbLogger logger(count + 1, 600);
+    std::string text(511, 'x');
+    for (int i = 0; i < count; ++i) {
+        text[0] = static_cast<char>('a' + i % 26);
+        logger.setLog(Text("%s"), text.c_str());
+    }
+    SYSTEMTIME day = logger.m_logData[0].time;
+    for (int i = 0; i < count; ++i) {
+        logger.m_logData[i].time = day;
+    }
+    logger.m_logData[1].number = 123456789;
+    logger.m_logData[2].number = -5;
+    logger.m_logData[3].level = -3;
+    logger.m_logData[4].level = 100;
+    logger.m_logData[5].time.wMilliseconds = 5000;
+    logger.m_logData[6].time.wSecond = 61;
+    logger.m_logData[6].time.wHour = 7;
+    logger.m_logData[7].number = INT_MIN;
+    std::strcpy(logger.m_logData[8].text, "two\nlines");
+    logger.m_logData[9].text[0] = '\0';
+    std::string expected;
+    for (int i = 0; i < count; ++i) {
+        expected += expectedLine(logger.m_logData[i]) + diagtest::kEol;
+    }
+    // A text-mode stream writes the line end inside a text as a line end too.
+    size_t inner = expected.find("two\nlines");
+    expected.replace(inner, 9, "two" + diagtest::kEol + "lines");
+
+    logger.setWriteFileMode(Text(prefix), 1);
+    logger.resetLogCount(1);
+    EXPECT_EQ(diagtest::readBytes(prefix + "_" + yymmdd(day) + ".log"), expected);
+    EXPECT_EQ(expectedLine(logger.m_logData[7]).substr(0, 11), "-2147483648");
+
+    // The same bytes through setLogDataToFile, for any stream a host gives it.
+    std::string single = folder.file("single.log");
+    FILE* file = std::fopen(single.c_str(), "a");
+    ASSERT_NE(file, nullptr);
+    for (int i = 0; i < count; ++i) {
+        logger.setLogDataToFile(file, &logger.m_logData[i]);
+    }
+    std::fclose(file);
+    EXPECT_EQ(diagtest::readBytes(single), expected);
+
+    // The running number wraps past the largest int; the ring then counts as full.
+    CzbLogger wrap(4, 16);
+    wrap.m_logCount.store(INT_MAX);
+    wrap.setLog(Text("max"));
+    wrap.setLog(Text("min"));
+    EXPECT_EQ(wrap.m_logData[0].number, INT_MAX);
+    EXPECT_EQ(wrap.m_logData[1].number, INT_MIN);
+    EXPECT_EQ(wrap.GetLogDataNum(), 4);
+    EXPECT_STREQ(wrap.GetLogData(3)->text, "min");
+}
+
+TEST(CzbLogger, AnExistingFileIsAppendedToAsItStands) {
+    TempFolder folder;
+    std::string prefix = folder.file("Part");
+    CzbLogger logger(8, 64);
+    logger.setLog(Text("own line"));
+    std::string name = prefix + "_" + yymmdd(logger.m_logData[0].time) + ".log";
+    // What the host left in the file is its own: only lines the logger cut get a line end.
+    diagtest::writeBytes(name, "host text");
+    logger.setWriteFileMode(Text(prefix), 1);
+    logger.resetLogCount(1);
+    EXPECT_EQ(diagtest::readBytes(name),
+              "host text" + expectedLine(logger.m_logData[0]) + diagtest::kEol);
+    logger.setLog(Text("next"));
+    logger.resetLogCount(1);
+    EXPECT_EQ(diagtest::readLines(name).size(), 2u);
+    EXPECT_EQ(diagtest::readLines(name)[1], expectedLine(logger.m_logData[0]));
+}
+
+TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
+    TempFolder folder;
+    auto started = std::chrono::steady_clock::now();
+    auto seconds = [&] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    };
+    {
+        // A period far longer than the test: after the first pass only a wake-up can make
+        // another one.
+        CzbLogger logger(100, 64);
+        logger.setLog(Text("first"));
+        logger.setWriteFileMode(Text(folder.file("Wake")), 600000);
+        waitForSaver(logger);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200)); // the first pass ends
+        for (int i = 1; i < 50; ++i) {
+            logger.setLog(Text("early %d"), i);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(logger.m_saveIndex.load(), 0); // less than half waits: no pass yet
+        logger.setLog(Text("half"));
+        waitForSaver(logger);
+        logger.setLog(Text("one more"));
+        logger.resetLogCount(1);
+        size_t lines = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+            lines += diagtest::readLines(entry.path()).size();
+        }
+        EXPECT_EQ(lines, 52u);
+    } // and the destructor does not wait out the period
+    EXPECT_LT(seconds(), 60.0);
+}
+
+namespace {
+// A subclass that also runs save passes from threads of its own. Like every subclass whose
+// operations the saver calls, it stops the saver before its own part is destroyed.
+class PassingLogger : public CzbLogger {
+public:
+    PassingLogger(int records, int bytes) : CzbLogger(records, bytes) {}
+    ~PassingLogger() override {
+        int running = 1;
+        if (m_threadState.compare_exchange_strong(running, 2)) {
+            while (m_threadState.load() != 0) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }
+    }
+    void savePass() { funcLogFileSave(); }
+};
+} // namespace
+
+#if !defined(_WIN32)
+// POSIX appends are atomic per write. On Windows the runtime seeks to the end and then writes,
+// so two handles appending at once may overwrite each other's lines: there overlapping passes
+// are the subclass's own risk.
+TEST(CzbLogger, PassesOnSeveralThreadsWriteWholeLines) {
+    TempFolder folder;
+    const int count = 3000;
+    {
+        PassingLogger logger(count + 1, 64);
+        logger.setWriteFileMode(Text(folder.file("Many")), 1);
+        std::atomic<bool> writing{true};
+        std::vector<std::thread> passes;
+        for (int t = 0; t < 2; ++t) {
+            passes.emplace_back([&] {
+                while (writing.load()) {
+                    logger.savePass();
+                }
+            });
+        }
+        for (int i = 0; i < count; ++i) {
+            logger.setLog(Text("record %05d"), i);
+        }
+        logger.resetLogCount(1);
+        writing.store(false);
+        for (auto& thread : passes) {
+            thread.join();
+        }
+    }
+    // Passes that overlap may both write a record; every line stays whole.
+    std::vector<int> seen(count, 0);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        for (const auto& line : diagtest::readLines(entry.path())) {
+            std::smatch match;
+            ASSERT_TRUE(std::regex_match(line, match, kLine)) << line;
+            ASSERT_EQ(match[2].str(), "record " + match[1].str().substr(3));
+            ++seen[std::stoi(match[1])];
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        ASSERT_GE(seen[i], 1) << i;
+    }
+}
+#endif

@@ -1,4 +1,6 @@
 #include "zbBase/diagnostics/CzbLogger.h"
+#include "zbBase/diagnostics/detail/CzbLoggerLine.h"
+#include "zbBase/diagnostics/detail/CzbLoggerShared.h"
 #include "zbBase/diagnostics/detail/zbFormat.h"
 
 #include "zbBase/platform/detail/zbpClock.h"
@@ -29,32 +31,7 @@ void copyCut(char* dst, size_t bytes, const char* text) {
     dst[n] = '\0';
 }
 
-CzbLogger::_LoggerData* makeRing(int count, int textBytes) {
-    CzbLogger::_LoggerData* ring = new CzbLogger::_LoggerData[count]();
-    int made = 0;
-    try {
-        for (; made < count; ++made) {
-            ring[made].text = new char[textBytes]();
-        }
-    } catch (...) {
-        for (int i = 0; i < made; ++i) {
-            delete[] ring[i].text;
-        }
-        delete[] ring;
-        throw;
-    }
-    return ring;
-}
-
-void freeRing(CzbLogger::_LoggerData* ring, int count) {
-    if (ring == nullptr) {
-        return;
-    }
-    for (int i = 0; i < count; ++i) {
-        delete[] ring[i].text;
-    }
-    delete[] ring;
-}
+using zbBase::detail::LoggerShared;
 
 } // namespace
 
@@ -63,7 +40,7 @@ CzbLogger::CzbLogger(int bufferSize, int stringLen)
       m_stringLen(stringLen < 1 ? 1 : stringLen), m_logData(nullptr), m_logCount(0),
       m_writeIndex(m_bufferSize - 1), m_saveIndex(m_bufferSize - 1), m_fileMode(0), m_folder(),
       m_filePrefix(), m_savePeriod(0) {
-    m_logData = makeRing(m_bufferSize, m_stringLen);
+    m_logData = LoggerShared::makeRing(m_bufferSize, m_stringLen);
     zbp::InitializeCriticalSection(&m_lock);
     zbp::SetCriticalSectionSpinCount(&m_lock, kSpinCount);
 }
@@ -74,7 +51,7 @@ CzbLogger::CzbLogger(const CzbLogger& other)
       m_fileMode(other.m_fileMode), m_folder(), m_filePrefix(), m_savePeriod(other.m_savePeriod) {
     memcpy(m_folder, other.m_folder, sizeof m_folder);
     memcpy(m_filePrefix, other.m_filePrefix, sizeof m_filePrefix);
-    m_logData = makeRing(m_bufferSize, m_stringLen);
+    m_logData = LoggerShared::makeRing(m_bufferSize, m_stringLen);
     copyRingFrom(other);
     zbp::InitializeCriticalSection(&m_lock);
     zbp::SetCriticalSectionSpinCount(&m_lock, kSpinCount);
@@ -89,7 +66,7 @@ CzbLogger::~CzbLogger() {
     }
     stopSaver();
     zbp::EnterCriticalSection(&m_lock);
-    freeRing(m_logData, m_bufferSize);
+    LoggerShared::freeRing(m_logData, m_bufferSize);
     m_logData = nullptr;
     zbp::LeaveCriticalSection(&m_lock);
     zbp::DeleteCriticalSection(&m_lock);
@@ -135,6 +112,15 @@ void CzbLogger::copyRingFrom(const CzbLogger& other) {
 }
 
 void CzbLogger::startSaver() {
+    // The saver's buffer is made before the thread: a saver that runs never lacks it.
+    LoggerShared& shared = LoggerShared::of(m_logData);
+    if (shared.claimRun()) {
+        bool reserved = shared.reserveRun(m_stringLen);
+        shared.releaseRun();
+        if (!reserved) {
+            return;
+        }
+    }
     m_threadState.store(1);
     if (zbp::_beginthread(&CzbLogger::threadLogFileSave, 0, this) == static_cast<uintptr_t>(-1)) {
         m_threadState.store(0);
@@ -146,6 +132,7 @@ void CzbLogger::stopSaver() {
     if (!m_threadState.compare_exchange_strong(running, 2)) {
         return;
     }
+    LoggerShared::of(m_logData).wakeNow();
     while (m_threadState.load() != 0) {
         zbp::Sleep(1);
     }
@@ -186,17 +173,32 @@ void CzbLogger::setLog(char* format, ...) {
     SYSTEMTIME now;
     zbp::GetLocalTime(&now);
 
-    zbp::CriticalSectionGuard guard(&m_lock);
-    int slot = (m_writeIndex.load(std::memory_order_relaxed) + 1) % m_bufferSize;
-    _LoggerData& record = m_logData[slot];
-    int number = m_logCount.load(std::memory_order_relaxed);
-    record.number = number;
-    record.level = 0;
-    record.time = now;
-    memcpy(record.text, message, length);
-    record.text[length] = '\0';
-    m_logCount.store(number + 1, std::memory_order_release);
-    m_writeIndex.store(slot, std::memory_order_release);
+    bool wakeSaver;
+    {
+        zbp::CriticalSectionGuard guard(&m_lock);
+        int slot = (m_writeIndex.load(std::memory_order_relaxed) + 1) % m_bufferSize;
+        _LoggerData& record = m_logData[slot];
+        int number = m_logCount.load(std::memory_order_relaxed);
+        record.number = number;
+        record.level = 0;
+        record.time = now;
+        memcpy(record.text, message, length);
+        record.text[length] = '\0';
+        // The running number wraps past the largest int instead of overflowing.
+        m_logCount.store(static_cast<int>(static_cast<unsigned>(number) + 1u),
+                         std::memory_order_release);
+        m_writeIndex.store(slot, std::memory_order_release);
+        int waiting = slot - m_saveIndex.load(std::memory_order_relaxed);
+        if (waiting < 0) {
+            waiting += m_bufferSize;
+        }
+        wakeSaver = 2 * waiting >= m_bufferSize;
+    }
+    // Half the ring waits to be saved: the saver starts its pass now rather than at the end of
+    // its period, so that a burst does not overrun the ring while the saver sleeps.
+    if (wakeSaver && m_threadState.load(std::memory_order_relaxed) == 1) {
+        LoggerShared::of(m_logData).requestPass();
+    }
 }
 
 void CzbLogger::getDateTime(char* date, char* time) {
@@ -211,17 +213,20 @@ void CzbLogger::getDateTime(char* date, char* time) {
 }
 
 void CzbLogger::setLogDataToFile(FILE* file, _LoggerData* data) {
-    const SYSTEMTIME& t = data->time;
-    fprintf(file, "%08d   %02d/%02d/%02d %02d:%02d:%02d.%03d   L[%02d] %s\n", data->number,
-            t.wYear % 100, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds,
-            data->level, data->text);
+    char header[zbBase::detail::LogLineFormatter::kMaxHeader + 1];
+    zbBase::detail::LogLineFormatter format;
+    size_t length = format.header(header, data->number, data->level, data->time);
+    fwrite(header, 1, length, file);
+    fputs(data->text, file);
+    fputc('\n', file);
 }
 
 CzbLogger::_LoggerData* CzbLogger::GetLogData(int index) {
     if (index < 0 || index >= m_bufferSize) {
         return nullptr;
     }
-    if (m_logCount.load() < m_bufferSize) {
+    int count = m_logCount.load();
+    if (count >= 0 && count < m_bufferSize) {
         return &m_logData[index];
     }
     return &m_logData[(m_writeIndex.load() + index + 1) % m_bufferSize];
@@ -229,7 +234,8 @@ CzbLogger::_LoggerData* CzbLogger::GetLogData(int index) {
 
 int CzbLogger::GetLogDataNum() {
     int count = m_logCount.load();
-    return count < m_bufferSize ? count : m_bufferSize;
+    // A count past the largest int has wrapped: the ring is full.
+    return count >= 0 && count < m_bufferSize ? count : m_bufferSize;
 }
 
 int CzbLogger::getBufferSize() {
@@ -242,10 +248,13 @@ int CzbLogger::getLogStringLen() {
 
 void CzbLogger::resetLogCount(int wait) {
     if (wait != 0) {
+        LoggerShared& shared = LoggerShared::of(m_logData);
         // At the end of the process the saver may be gone without a word: see the destructor.
         while (m_threadState.load() == 1 && m_saveIndex.load() != m_writeIndex.load() &&
                !zbp::processExiting()) {
-            zbp::Sleep(1);
+            // The saver is asked for its pass now instead of at the end of its period.
+            shared.wakeNow();
+            shared.waitForPassEnd(1);
         }
     }
     zbp::CriticalSectionGuard guard(&m_lock);
@@ -256,16 +265,14 @@ void CzbLogger::resetLogCount(int wait) {
 
 void CzbLogger::threadLogFileSave(void* logger) {
     CzbLogger* self = static_cast<CzbLogger*>(logger);
-    const int slice = 10;
+    LoggerShared& shared = LoggerShared::of(self->m_logData);
     while (self->m_threadState.load() == 1) {
         self->funcLogFileSave();
-        // The period is slept in short slices so that a stop request ends the wait early.
-        int remaining = self->m_savePeriod > 0 ? self->m_savePeriod : 0;
-        do {
-            int step = remaining < slice ? remaining : slice;
-            zbp::Sleep(static_cast<DWORD>(step));
-            remaining -= step;
-        } while (remaining > 0 && self->m_threadState.load() == 1);
+        shared.passEnded();
+        if (self->m_savePeriod > 0) {
+            shared.waitForPass(self->m_savePeriod,
+                               [self] { return self->m_threadState.load() == 1; });
+        }
     }
     // The object may be gone as soon as this store is seen.
     self->m_threadState.store(0);

@@ -9,15 +9,19 @@
 //   (number, yy/mm/dd hh:mm:ss.mmm of the record, level, text), in text mode,
 // to "<prefix>_yymmdd.log" with the record's own date (mode 0), or to
 // "<folder>\yyyymmdd\<prefix>_yyyymmdd.log" with the date of the save pass (mode 1). The
-// logger creates no folder: a record whose file cannot be opened gets "(File Open Fail)" at
-// the end of its text in the ring (the text is cut to make room) and is not tried again.
+// logger creates no folder: a record whose file cannot be opened, or whose line does not reach
+// the file whole (a full disk, a failed device), gets "(File Open Fail)" at the end of its text
+// in the ring (the text is cut to make room) and is not tried again. A line that a failed write
+// left unfinished is never continued: the next record starts on a line of its own.
 //
-// Threads: a save pass copies each record under the lock before writing it, so it never
-// sees a record half-filled; it publishes m_saveIndex only after the record is handled, so
-// resetLogCount(1) returns once every stored record is on disk (or marked). The destructor
-// stops the saver and waits for it; records stored after its last pass stay unsaved unless
-// the host calls resetLogCount(1) first. GetLogData points into the ring unguarded: a reader
-// that needs a stable record stops the writers itself.
+// Threads: a save pass copies runs of records out of the ring in short holds of the lock, so it
+// never sees a record half-filled, writes each run with one checked write, and publishes
+// m_saveIndex over a run only then: resetLogCount(1) returns once every stored record is in
+// its file (or marked). The saver sleeps its period but starts a pass at once when half the
+// ring waits to be saved, when resetLogCount(1) waits for it, and when it is stopped. The
+// destructor stops the saver and waits for it; records stored after its last pass stay unsaved
+// unless the host calls resetLogCount(1) first. GetLogData points into the ring unguarded: a
+// reader that needs a stable record stops the writers itself.
 //
 // A copy (or an assigned logger) gets its own ring with the same content, its own lock and
 // no saving thread; assignment first stops the target's own saver.

@@ -1,16 +1,33 @@
 // The save pass of CzbLogger: runs on the saving thread only.
+//
+// Records go out in runs: a run is a stretch of consecutive records bound for one file, copied
+// out of the ring in chunks (a short hold of the ring lock each) straight into their lines in
+// the run buffer, then written with one checked write. Only then does m_saveIndex move over
+// the run, so a record counts as saved only once its whole line is in the file. Records of a
+// run whose line did not reach the file whole (a full disk, a failed device) are marked like
+// records whose file cannot be opened, and the pass goes on with the next run.
+//
+// A subclass may write records its own way through setLogDataToFile: for a subclass each
+// record is a run of its own, written through a text stream and flushed before it counts.
 #include "zbBase/diagnostics/CzbLogger.h"
+#include "zbBase/diagnostics/detail/CzbLoggerLine.h"
+#include "zbBase/diagnostics/detail/CzbLoggerShared.h"
+#include "zbBase/diagnostics/detail/zbAppendFile.h"
 
 #include "zbBase/platform/detail/zbpClock.h"
-#include "zbBase/platform/detail/zbpFileIO.h"
 #include "zbBase/platform/detail/zbpThread.h"
 
+#include <new>
 #include <string.h>
-#include <vector>
+#include <typeinfo>
+
+using zbBase::detail::LoggerRunRecord;
 
 namespace {
 
 const char kOpenFailMark[] = "(File Open Fail)";
+// Records copied out of the ring under one hold of its lock.
+const int kChunkRecords = 64;
 
 // Appends the mark to a text block of `bytes` bytes, cutting the text to make room; a block
 // too small for the whole mark gets what fits of it.
@@ -29,6 +46,76 @@ void appendOpenFailMark(char* text, int bytes) {
     memcpy(text + length, kOpenFailMark, markLength + 1);
 }
 
+bool sameDay(const zbBase::zbSystemTime& a, const zbBase::zbSystemTime& b) {
+    return a.wYear == b.wYear && a.wMonth == b.wMonth && a.wDay == b.wDay;
+}
+
+// Marks the records of a run that did not reach the file, unless a reset came in between or
+// a writer has already reused the slot.
+void markUnsaved(CzbLogger& logger, const LoggerRunRecord* records, int count, int save) {
+    if (count <= 0) {
+        return;
+    }
+    zbp::CriticalSectionGuard guard(&logger.m_lock);
+    if (logger.m_saveIndex.load(std::memory_order_relaxed) != save) {
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        CzbLogger::_LoggerData& stored = logger.m_logData[records[i].slot];
+        if (stored.number == records[i].number) {
+            appendOpenFailMark(stored.text, logger.m_stringLen);
+        }
+    }
+}
+
+// The buffer of one pass: the logger's own run buffer, or one made for this pass where
+// another pass holds that one.
+class PassBuffer {
+public:
+    PassBuffer(zbBase::detail::LoggerShared& shared, int stringLen) : m_shared(shared) {
+        using zbBase::detail::LoggerShared;
+        if (shared.claimRun()) {
+            m_claimed = true;
+            if (shared.reserveRun(stringLen)) {
+                m_buffer = shared.runBuffer();
+                m_bytes = shared.runBytes();
+                m_records = shared.runRecords();
+            }
+            return;
+        }
+        m_bytes = LoggerShared::runBufferBytes(stringLen);
+        m_ownBuffer = new (std::nothrow) char[m_bytes];
+        m_ownRecords = new (std::nothrow) LoggerRunRecord[LoggerShared::kRunRecords];
+        if (m_ownBuffer != nullptr && m_ownRecords != nullptr) {
+            m_buffer = m_ownBuffer;
+            m_records = m_ownRecords;
+        }
+    }
+    ~PassBuffer() {
+        delete[] m_ownBuffer;
+        delete[] m_ownRecords;
+        if (m_claimed) {
+            m_shared.releaseRun();
+        }
+    }
+    PassBuffer(const PassBuffer&) = delete;
+    PassBuffer& operator=(const PassBuffer&) = delete;
+
+    bool ok() const { return m_buffer != nullptr; }
+    char* buffer() const { return m_buffer; }
+    size_t bytes() const { return m_bytes; }
+    LoggerRunRecord* records() const { return m_records; }
+
+private:
+    zbBase::detail::LoggerShared& m_shared;
+    bool m_claimed = false;
+    char* m_buffer = nullptr;
+    size_t m_bytes = 0;
+    LoggerRunRecord* m_records = nullptr;
+    char* m_ownBuffer = nullptr;
+    LoggerRunRecord* m_ownRecords = nullptr;
+};
+
 } // namespace
 
 bool CzbLogger::buildName(char* name, size_t bytes, const zbBase::zbSystemTime& t) const {
@@ -45,65 +132,114 @@ bool CzbLogger::buildName(char* name, size_t bytes, const zbBase::zbSystemTime& 
 }
 
 void CzbLogger::funcLogFileSave() {
-    int save = m_saveIndex.load();
-    if (save == m_writeIndex.load()) {
+    using namespace zbBase::detail;
+    int save = m_saveIndex.load(std::memory_order_acquire);
+    if (save == m_writeIndex.load(std::memory_order_acquire)) {
         return;
     }
     SYSTEMTIME now;
     zbp::GetLocalTime(&now);
     const zbBase::zbSystemTime pass = now;
 
-    std::vector<char> text(static_cast<size_t>(m_stringLen));
-    zbBase::zbSystemTime fileDate = pass;
-    FILE* file = nullptr;
-    while (save != m_writeIndex.load()) {
-        int slot = (save + 1) % m_bufferSize;
-        _LoggerData record;
-        {
-            // The record is copied under the writers' lock, so it is never seen half-filled.
-            zbp::CriticalSectionGuard guard(&m_lock);
-            if (m_saveIndex.load() != save) {
-                break; // a reset came in between
-            }
-            record = m_logData[slot];
-            size_t length = strnlen(record.text, text.size() - 1);
-            memcpy(text.data(), record.text, length);
-            text[length] = '\0';
-        }
-        record.text = text.data();
+    const size_t maxText = LoggerShared::maxSavedText(m_stringLen);
+    LoggerShared& shared = LoggerShared::of(m_logData);
+    PassBuffer runSpace(shared, m_stringLen);
+    if (!runSpace.ok()) {
+        return; // no memory for the run: the records wait for the next pass
+    }
+    char* const buffer = runSpace.buffer();
+    const size_t capacity = runSpace.bytes();
+    LoggerRunRecord* const run = runSpace.records();
+    const bool ownLines = typeid(*this) == typeid(CzbLogger);
 
-        const zbBase::zbSystemTime& t = m_fileMode == 1 ? pass : record.time;
-        // Consecutive records of one day share one opening of their file within a pass.
-        bool sameFile = file != nullptr && t.wYear == fileDate.wYear &&
-                        t.wMonth == fileDate.wMonth && t.wDay == fileDate.wDay;
-        if (!sameFile) {
-            if (file != nullptr) {
-                fclose(file);
-                file = nullptr;
-            }
-            char name[256];
-            if (buildName(name, sizeof name, t)) {
-                file = zbp::fopen(name, "a");
-                fileDate = t;
-            }
-        }
-        if (file != nullptr) {
-            setLogDataToFile(file, &record);
-            // On disk before the record counts as saved: resetLogCount(1) relies on it.
-            fflush(file);
-        } else {
+    char name[256];
+    AppendFile file;
+    zbBase::zbSystemTime fileDate = pass;
+    LogLineFormatter format;
+    _LoggerData single = {};
+    for (;;) {
+        // Gather a run: consecutive records of one file, while the buffer has room.
+        int count = 0;
+        size_t used = 0;
+        int last = save;
+        zbBase::zbSystemTime runDate = pass;
+        bool reset = false;
+        bool more = true;
+        while (more) {
             zbp::CriticalSectionGuard guard(&m_lock);
-            _LoggerData& stored = m_logData[slot];
-            if (m_saveIndex.load() == save && stored.number == record.number) {
-                appendOpenFailMark(stored.text, m_stringLen);
+            if (m_saveIndex.load(std::memory_order_relaxed) != save) {
+                reset = true;
+                break;
+            }
+            const int write = m_writeIndex.load(std::memory_order_relaxed);
+            for (int k = 0; k < kChunkRecords; ++k) {
+                if (last == write || count == LoggerShared::kRunRecords ||
+                    (!ownLines && count == 1)) {
+                    more = false;
+                    break;
+                }
+                const int slot = (last + 1) % m_bufferSize;
+                const _LoggerData& record = m_logData[slot];
+                const zbBase::zbSystemTime& day = m_fileMode == 1 ? pass : record.time;
+                if (count == 0) {
+                    runDate = day;
+                } else if (!sameDay(day, runDate)) {
+                    more = false;
+                    break;
+                }
+                const size_t length = strnlen(record.text, maxText);
+                if (ownLines) {
+                    const size_t bound =
+                        LogLineFormatter::kMaxHeader + 1 + textModeBound(length) + kTextEolLength;
+                    if (used + bound > capacity) {
+                        more = false;
+                        break;
+                    }
+                    used += format.header(buffer + used, record.number, record.level, record.time);
+                    used += copyAsTextMode(buffer + used, record.text, length);
+                    memcpy(buffer + used, kTextEol, kTextEolLength);
+                    used += kTextEolLength;
+                } else {
+                    single = record;
+                    memcpy(buffer, record.text, length);
+                    buffer[length] = '\0';
+                    single.text = buffer;
+                }
+                run[count++] = LoggerRunRecord{slot, record.number, used};
+                last = slot;
             }
         }
-        if (!m_saveIndex.compare_exchange_strong(save, slot)) {
+        if (reset || count == 0) {
             break;
         }
-        save = slot;
+
+        if (!file.isOpen() || !sameDay(fileDate, runDate)) {
+            if (file.isOpen()) {
+                shared.remember(name, file.end());
+                file.close();
+            }
+            if (buildName(name, sizeof name, runDate)) {
+                file.open(name, ownLines, shared.endOf(name));
+            }
+            fileDate = runDate;
+        }
+        int saved = 0;
+        if (ownLines) {
+            const size_t written = file.isOpen() ? file.append(buffer, used) : 0;
+            while (saved < count && run[saved].end <= written) {
+                ++saved;
+            }
+        } else if (file.startRecord()) {
+            setLogDataToFile(file.stream(), &single);
+            saved = file.endRecord() ? 1 : 0;
+        }
+        markUnsaved(*this, run + saved, count - saved, save);
+        if (!m_saveIndex.compare_exchange_strong(save, last)) {
+            break;
+        }
+        save = last;
     }
-    if (file != nullptr) {
-        fclose(file);
+    if (file.isOpen()) {
+        shared.remember(name, file.end());
     }
 }

@@ -1,7 +1,9 @@
 #include "zbBase/diagnostics/CzbTrace.h"
+#include "zbBase/diagnostics/detail/zbAppendFile.h"
 #include "zbBase/diagnostics/detail/zbFormat.h"
 
 #include "zbBase/diagnostics/CzbText.h"
+#include "zbBase/platform/detail/zbpAtomicFile.h"
 #include "zbBase/platform/detail/zbpFileIO.h"
 #include "zbBase/platform/detail/zbpThread.h"
 
@@ -12,8 +14,17 @@
 
 namespace {
 
+using zbBase::detail::AppendFile;
+using zbBase::detail::copyAsTextMode;
+using zbBase::detail::kTextEol;
+using zbBase::detail::kTextEolLength;
+using zbBase::detail::textModeBound;
+using zbBase::detail::textModeSize;
+
 const int kMessageBytes = 512;
 const DWORD kSpinCount = 4000;
+// Lines of the queue gathered before one write of setWriteFile.
+const size_t kRunBytes = 16 * 1024;
 
 // A heap copy of the text (malloc), or null when memory is short.
 char* copyText(const char* text) {
@@ -54,6 +65,59 @@ std::deque<char*> copyQueue(const std::deque<char*>& source) {
         throw;
     }
     return copy;
+}
+
+// Appends the waiting messages to an open file, oldest first, a run of lines at a time, and
+// removes each one only once its whole line is in the file. A failed write ends the work: the
+// message it cut and those behind it stay in the queue.
+void appendQueue(AppendFile& file, std::deque<char*>& queue) {
+    char run[kRunBytes];
+    while (!queue.empty()) {
+        size_t used = 0;
+        size_t lines = 0;
+        for (; lines < queue.size(); ++lines) {
+            const char* text = queue[lines];
+            const size_t length = strlen(text);
+            if (used + textModeBound(length) + kTextEolLength > sizeof run) {
+                break;
+            }
+            used += copyAsTextMode(run + used, text, length);
+            memcpy(run + used, kTextEol, kTextEolLength);
+            used += kTextEolLength;
+        }
+        if (lines == 0) {
+            // A message longer than a run (one the host queued itself) goes out in pieces.
+            const char* text = queue.front();
+            size_t length = strlen(text);
+            const size_t piece = (sizeof run - kTextEolLength) / kTextEolLength;
+            while (length > 0) {
+                size_t part = length < piece ? length : piece;
+                size_t bytes = copyAsTextMode(run, text, part);
+                if (file.append(run, bytes) != bytes) {
+                    return;
+                }
+                text += part;
+                length -= part;
+            }
+            if (file.append(kTextEol, kTextEolLength) != kTextEolLength) {
+                return;
+            }
+            free(queue.front());
+            queue.pop_front();
+            continue;
+        }
+        const size_t written = file.append(run, used);
+        size_t end = 0;
+        for (size_t i = 0; i < lines; ++i) {
+            const char* text = queue.front();
+            end += textModeSize(text, strlen(text)) + kTextEolLength;
+            if (end > written) {
+                return;
+            }
+            free(queue.front());
+            queue.pop_front();
+        }
+    }
 }
 
 } // namespace
@@ -133,12 +197,18 @@ void CzbTrace::setTrace(char* format, ...) {
         if (m_fileName == nullptr) {
             return;
         }
-        if (zbp::fopen_s(&m_file, m_fileName, "a") != 0 || m_file == nullptr) {
-            m_file = nullptr;
+        // A message whose line does not reach the file whole is lost like one whose file
+        // cannot be opened; the next one starts on a line of its own.
+        AppendFile file;
+        if (!file.open(m_fileName, true, AppendFile::End::Unknown)) {
             return;
         }
-        fprintf(m_file, "%s\n", message);
-        fclose(m_file);
+        m_file = file.stream();
+        char line[textModeBound(kMessageBytes - 1) + kTextEolLength];
+        size_t length = copyAsTextMode(line, message, strnlen(message, kMessageBytes - 1));
+        memcpy(line + length, kTextEol, kTextEolLength);
+        file.append(line, length + kTextEolLength);
+        file.close();
         m_file = nullptr;
         return;
     }
@@ -198,17 +268,28 @@ bool CzbTrace::setTraceFileName(char* name, bool truncate) {
 
 void CzbTrace::setWriteFile(char* name, bool append) {
     zbp::CriticalSectionGuard guard(&m_lock);
-    FILE* file = nullptr;
-    if (zbp::fopen_s(&file, name, append ? "a" : "w") != 0 || file == nullptr) {
+    if (append) {
+        AppendFile file;
+        if (file.open(name, true, AppendFile::End::Unknown)) {
+            appendQueue(file, m_queue);
+        }
         return;
     }
-    while (!m_queue.empty()) {
-        char* front = m_queue.front();
-        fprintf(file, "%s\n", front);
-        free(front);
-        m_queue.pop_front();
+    // A new file is written beside the old one and takes its place only when it is whole: on
+    // any failure the old file and the queue stay as they were.
+    zbp::AtomicFile file;
+    if (!file.open(name, "w")) {
+        return;
     }
-    fclose(file);
+    for (const char* text : m_queue) {
+        if (fputs(text, file.stream()) < 0 || fputc('\n', file.stream()) == EOF) {
+            file.discard();
+            return;
+        }
+    }
+    if (file.commit()) {
+        freeAll(m_queue);
+    }
 }
 
 CzbTrace* CzbTraceExt::getInstance() {

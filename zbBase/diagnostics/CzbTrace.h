@@ -3,9 +3,11 @@
 //
 // In ModeFile each message is appended to the trace file as one line ("%s\n", text mode),
 // the file being opened and closed for every message; without a file name the message is
-// dropped. In any other mode a heap copy of the message joins an unbounded first-in,
-// first-out queue until the host pops it or writes the queue out with setWriteFile.
-// Messages are formatted into 512 bytes: a longer one is cut to 511 characters.
+// dropped, and so is a message whose line does not reach the file whole (a full disk). A line
+// left unfinished by a failed write is never continued: the next one starts on its own line. In any
+// other mode a heap copy of the message joins an unbounded first-in, first-out queue until the host
+// pops it or writes the queue out with setWriteFile. Messages are formatted into 512 bytes: a
+// longer one is cut to 511 characters.
 //
 // Threads: setTrace, getTracePop, clear, setTraceFileName and setWriteFile hold the object's
 // lock (a critical section with spin count 4000) for their whole work, file access included.
@@ -47,7 +49,10 @@ public:
     // file of ModeFile. False when it cannot be opened; the former name stays in force.
     bool setTraceFileName(char* name, bool truncate);
     // Writes every waiting message to name ("a" when append is true, "w" when false) and
-    // empties the queue. If the file cannot be opened the queue stays as it was.
+    // empties the queue. If the file cannot be opened the queue stays as it was. Appending, a
+    // message leaves the queue only once its whole line is in the file; after a failed write
+    // the rest stays queued. Replacing, the new file is written beside the old one and takes
+    // its place only when whole; on any failure the old file and the queue stay as they were.
     void setWriteFile(char* name, bool append);
 
     std::atomic<Mode> m_mode;

@@ -1,0 +1,311 @@
+// The logger on a disk that fails: a record counts as saved only when its whole line is in
+// the file; every other record carries "(File Open Fail)" in the ring, resetLogCount(1) still
+// returns, and the next record after a failed write starts on a line of its own.
+#include <zbBase/diagnostics/CzbLogger.h>
+
+#include "support/zbFaults.h"
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#if !defined(_WIN32)
+
+#include <ctime>
+#include <stdio.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string kMark = "(File Open Fail)";
+
+std::string lineOf(int number, const SYSTEMTIME& t, const std::string& text) {
+    char head[64];
+    snprintf(head, sizeof head, "%08d   %02d/%02d/%02d %02d:%02d:%02d.%03d   L[00] ", number,
+             t.wYear % 100, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds);
+    return head + text;
+}
+
+bool marked(const CzbLogger::_LoggerData& record) {
+    std::string text = record.text;
+    return text.size() >= kMark.size() &&
+           text.compare(text.size() - kMark.size(), kMark.size(), kMark) == 0;
+}
+
+// Every line of every log file in the folder (or of the one file named).
+std::vector<std::string> linesIn(const fs::path& where) {
+    std::vector<std::string> lines;
+    if (fs::is_regular_file(where)) {
+        return zbtest::readLines(where);
+    }
+    for (const auto& entry : fs::directory_iterator(where)) {
+        if (entry.is_regular_file() && entry.path().extension() == ".log") {
+            for (auto& line : zbtest::readLines(entry.path())) {
+                lines.push_back(line);
+            }
+        }
+    }
+    return lines;
+}
+
+// The text of message i of a test.
+std::string textOf(int i) {
+    char text[64];
+    snprintf(text, sizeof text, "record %04d ", i);
+    return text + std::string(60, static_cast<char>('a' + i % 26));
+}
+
+// Checks that each of the records 0..count-1 (slots 0..count-1 of the ring, stored with
+// textOf) is either a whole line of the files or marked in the ring, never both; that every
+// line is a whole record or, at most `fragments` times, the start of a marked record's line;
+// returns the number of records saved.
+int checkSavedOrMarked(CzbLogger& logger, int count, const std::vector<std::string>& lines,
+                       int fragments) {
+    std::map<std::string, int> whole;
+    std::vector<std::string> expected;
+    for (int i = 0; i < count; ++i) {
+        const CzbLogger::_LoggerData& record = logger.m_logData[i];
+        expected.push_back(lineOf(i, record.time, textOf(i)));
+        whole[expected.back()] = i;
+    }
+    std::set<int> inFile;
+    int partial = 0;
+    for (const std::string& line : lines) {
+        auto found = whole.find(line);
+        if (found != whole.end()) {
+            EXPECT_TRUE(inFile.insert(found->second).second) << "twice: " << line;
+            continue;
+        }
+        // The last line of a file may still lack its line end.
+        const std::string cut = "<unterminated>";
+        std::string part = line;
+        if (part.size() >= cut.size() &&
+            part.compare(part.size() - cut.size(), cut.size(), cut) == 0) {
+            part.resize(part.size() - cut.size());
+        }
+        bool fragment = false;
+        for (int i = 0; i < count && !fragment; ++i) {
+            fragment = marked(logger.m_logData[i]) && !part.empty() &&
+                       expected[i].compare(0, part.size(), part) == 0;
+        }
+        EXPECT_TRUE(fragment) << "a line that is no record: " << line;
+        ++partial;
+    }
+    EXPECT_LE(partial, fragments);
+    for (int i = 0; i < count; ++i) {
+        EXPECT_NE(inFile.count(i) == 1, marked(logger.m_logData[i])) << "record " << i;
+    }
+    return static_cast<int>(inFile.size());
+}
+
+// A subclass that writes each record its own way, through the stream it is given.
+class TaggedLogger : public CzbLogger {
+public:
+    TaggedLogger(int records, int bytes) : CzbLogger(records, bytes) {}
+    // The saver calls this class's operation: it stops before this part is destroyed.
+    ~TaggedLogger() override {
+        int running = 1;
+        if (m_threadState.compare_exchange_strong(running, 2)) {
+            while (m_threadState.load() != 0) {
+                usleep(1000);
+            }
+        }
+    }
+    void setLogDataToFile(FILE* file, _LoggerData* data) override {
+        fprintf(file, "tag %d %s\n", data->number, data->text);
+    }
+};
+
+// Waits, without a reset, until the saver has had its pass over every stored record.
+bool waitSaved(CzbLogger& logger) {
+    for (int i = 0; i < 20000; ++i) {
+        if (logger.m_saveIndex.load() == logger.m_writeIndex.load()) {
+            return true;
+        }
+        usleep(1000);
+    }
+    return false;
+}
+
+std::vector<std::string> dayStamps() {
+    std::vector<std::string> days;
+    std::time_t now = std::time(nullptr);
+    for (std::time_t t : {now, now + 86400}) {
+        std::tm local = *std::localtime(&t);
+        char day[40];
+        snprintf(day, sizeof day, "%02d%02d%02d", local.tm_year % 100, local.tm_mon + 1,
+                 local.tm_mday);
+        days.push_back(day);
+    }
+    return days;
+}
+
+} // namespace
+
+TEST(LoggerFault, FullDiskKeepsEveryRecordSavedOrMarked) {
+    zbtest::TempFolder dir;
+    const int count = 1000;
+    CzbLogger logger(count + 24, 128);
+    logger.setWriteFileMode(zbtest::Text(dir.file("Full")), 5);
+    {
+        // About 300 lines fit; the write that crosses the limit is cut inside a line.
+        zbtest::FileSizeLimit limit(30000);
+        for (int i = 0; i < count; ++i) {
+            logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+        }
+        logger.resetLogCount(1);
+        int saved = checkSavedOrMarked(logger, count, linesIn(dir.path()), 1);
+        EXPECT_GT(saved, 200);
+        EXPECT_LT(saved, 400);
+    }
+    // Space is back: the next record starts on a line of its own, after the cut line.
+    logger.setLog(zbtest::Text("after the disk was full"));
+    logger.resetLogCount(1);
+    std::vector<std::string> lines = linesIn(dir.path());
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.back().substr(41), "after the disk was full");
+    lines.pop_back();
+    for (const auto& line : lines) {
+        EXPECT_EQ(line.find("<unterminated>"), std::string::npos);
+    }
+
+    // A subclass that writes its own lines keeps the same guarantee, record by record.
+    zbtest::TempFolder other;
+    TaggedLogger tagged(64, 128);
+    tagged.setWriteFileMode(zbtest::Text(other.file("Tag")), 5);
+    {
+        zbtest::FileSizeLimit limit(1000);
+        for (int i = 0; i < 40; ++i) {
+            tagged.setLog(zbtest::Text("%s"), textOf(i).c_str());
+        }
+        tagged.resetLogCount(1);
+    }
+    tagged.setLog(zbtest::Text("later"));
+    tagged.resetLogCount(1);
+    std::vector<std::string> tags = linesIn(other.path());
+    ASSERT_FALSE(tags.empty());
+    EXPECT_EQ(tags.back(), "tag 0 later");
+    tags.pop_back();
+    std::set<std::string> written(tags.begin(), tags.end());
+    int whole = 0;
+    for (int i = 0; i < 40; ++i) {
+        std::string line = "tag " + std::to_string(i) + " " + textOf(i);
+        bool inFile = written.count(line) == 1;
+        EXPECT_NE(inFile, marked(tagged.m_logData[i])) << i;
+        whole += inFile ? 1 : 0;
+    }
+    EXPECT_GT(whole, 5);
+    EXPECT_LT(whole, 40);
+}
+
+TEST(LoggerFault, FullDeviceMarksEveryRecord) {
+    zbtest::TempFolder dir;
+    for (const std::string& day : dayStamps()) {
+        fs::create_symlink("/dev/full", dir.file("Dev_" + day + ".log"));
+    }
+    CzbLogger logger(256, 64);
+    logger.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
+    for (int i = 0; i < 200; ++i) {
+        logger.setLog(zbtest::Text("to a full device %d"), i);
+    }
+    logger.resetLogCount(1);
+    for (int i = 0; i < 200; ++i) {
+        EXPECT_EQ(logger.m_logData[i].text, "to a full device " + std::to_string(i) + kMark);
+    }
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+
+    TaggedLogger tagged(16, 64);
+    tagged.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
+    tagged.setLog(zbtest::Text("tagged"));
+    tagged.resetLogCount(1);
+    EXPECT_EQ(tagged.m_logData[0].text, "tagged" + kMark);
+}
+
+TEST(LoggerFault, SmallDiskThatFillsAndGetsSpaceBack) {
+    zbtest::SmallTmpfs disk(256 * 1024);
+    if (!disk.ok()) {
+        GTEST_SKIP() << disk.why();
+    }
+    CzbLogger logger(512, 256);
+    logger.setWriteFileMode(zbtest::Text(disk.file("Log")), 2);
+    for (int i = 0; i < 10; ++i) {
+        logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+    }
+    ASSERT_TRUE(waitSaved(logger));
+    ASSERT_EQ(checkSavedOrMarked(logger, 10, linesIn(disk.path()), 0), 10);
+
+    // The rest of the disk taken: the log file keeps only what is left of its last page.
+    {
+        FILE* filler = fopen(disk.file("filler").c_str(), "wb");
+        ASSERT_NE(filler, nullptr);
+        setvbuf(filler, nullptr, _IONBF, 0);
+        const std::string block(4096, 'f');
+        while (fwrite(block.data(), 1, block.size(), filler) == block.size()) {
+        }
+        fclose(filler);
+    }
+    const int count = 200;
+    for (int i = 10; i < count; ++i) {
+        logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+    }
+    ASSERT_TRUE(waitSaved(logger));
+    int saved = checkSavedOrMarked(logger, count, linesIn(disk.path()), 1);
+    EXPECT_GE(saved, 10);
+    EXPECT_LT(saved, 100);
+
+    fs::remove(disk.file("filler"));
+    logger.setLog(zbtest::Text("space is back"));
+    ASSERT_TRUE(waitSaved(logger));
+    std::vector<std::string> lines = linesIn(disk.path());
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.back(), lineOf(count, logger.m_logData[count].time, "space is back"));
+    for (const auto& line : lines) {
+        EXPECT_EQ(line.find("<unterminated>"), std::string::npos) << line;
+    }
+    EXPECT_EQ(checkSavedOrMarked(logger, count,
+                                 std::vector<std::string>(lines.begin(), lines.end() - 1), 1),
+              saved);
+}
+
+TEST(LoggerFault, ReadOnlyFolderAndFileForAnUnprivilegedUser) {
+    zbtest::TempFolder dir;
+    fs::create_directory(dir.file("ro"));
+    fs::permissions(dir.file("ro"), fs::perms::owner_all | fs::perms::group_read |
+                                        fs::perms::group_exec | fs::perms::others_read |
+                                        fs::perms::others_exec);
+    fs::permissions(dir.path(), fs::perms::all);
+    for (const std::string& day : dayStamps()) {
+        zbtest::writeBytes(dir.file("Locked_" + day + ".log"), "kept\n");
+        fs::permissions(dir.file("Locked_" + day + ".log"),
+                        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    }
+    const std::string inFolder = dir.file("ro") + "/Run";
+    const std::string locked = dir.file("Locked");
+    int rc = zbtest::asUnprivileged([&] {
+        int failures = 0;
+        for (const std::string& prefix : {inFolder, locked}) {
+            CzbLogger logger(8, 64);
+            logger.setWriteFileMode(zbtest::Text(prefix), 1000);
+            logger.setLog(zbtest::Text("first"));
+            logger.setLog(zbtest::Text("second"));
+            logger.resetLogCount(1);
+            failures += std::string(logger.m_logData[0].text) == "first" + kMark ? 0 : 1;
+            failures += std::string(logger.m_logData[1].text) == "second" + kMark ? 0 : 1;
+        }
+        return failures;
+    });
+    EXPECT_EQ(rc, 0);
+    EXPECT_TRUE(fs::is_empty(dir.file("ro")));
+    for (const std::string& day : dayStamps()) {
+        EXPECT_EQ(zbtest::readBytes(dir.file("Locked_" + day + ".log")), "kept\n");
+    }
+}
+
+#endif

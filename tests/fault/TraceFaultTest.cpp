@@ -1,0 +1,113 @@
+// The trace queue on a disk that fails: a message leaves the queue only once its whole line is
+// in the file, a replaced file survives a failed write, and no line continues a cut one.
+#include <zbBase/diagnostics/CzbTrace.h>
+
+#include "support/zbFaults.h"
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#if !defined(_WIN32)
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string message(int i) {
+    return "trace message " + std::to_string(1000 + i) + " " + std::string(40, 'm');
+}
+
+void queueMessages(CzbTrace& trace, int count) {
+    trace.setMode(CzbTrace::ModeQueue);
+    for (int i = 0; i < count; ++i) {
+        trace.setTrace(zbtest::Text("%s"), message(i).c_str());
+    }
+}
+
+} // namespace
+
+TEST(TraceFault, FileModeNeverContinuesACutLine) {
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("trace.txt");
+    CzbTrace trace;
+    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text(name), true));
+    {
+        zbtest::FileSizeLimit limit(1000); // 16 whole lines and part of the 17th
+        for (int i = 0; i < 30; ++i) {
+            trace.setTrace(zbtest::Text("%s"), message(i).c_str());
+        }
+    }
+    trace.setTrace(zbtest::Text("after"));
+    std::vector<std::string> lines = zbtest::readLines(name);
+    ASSERT_EQ(lines.size(), 18u);
+    for (int i = 0; i < 16; ++i) {
+        EXPECT_EQ(lines[i], message(i));
+    }
+    EXPECT_EQ(lines[16], message(16).substr(0, lines[16].size()));
+    EXPECT_LT(lines[16].size(), message(16).size());
+    EXPECT_EQ(lines[17], "after");
+}
+
+TEST(TraceFault, AppendedQueueKeepsWhatDidNotReachTheFile) {
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("queue.txt");
+    zbtest::writeBytes(name, "old\n");
+    CzbTrace trace;
+    queueMessages(trace, 100);
+    {
+        zbtest::FileSizeLimit limit(2000);
+        trace.setWriteFile(zbtest::Text(name), true);
+    }
+    std::vector<std::string> lines = zbtest::readLines(name);
+    ASSERT_GE(lines.size(), 2u);
+    // "old", the whole lines, and the cut one (without its line end yet).
+    const size_t whole = lines.size() - 2;
+    EXPECT_EQ(lines[0], "old");
+    for (size_t i = 0; i < whole; ++i) {
+        EXPECT_EQ(lines[i + 1], message(static_cast<int>(i)));
+    }
+    EXPECT_NE(lines.back().find("<unterminated>"), std::string::npos);
+    ASSERT_EQ(trace.getTraceNum(), static_cast<int>(100 - whole));
+    EXPECT_EQ(trace.getTraceFront(), message(static_cast<int>(whole)));
+
+    // Space is back: the rest follows, from a line of its own.
+    trace.setWriteFile(zbtest::Text(name), true);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    lines = zbtest::readLines(name);
+    ASSERT_EQ(lines.size(), 1 + whole + 1 + (100 - whole));
+    for (int i = static_cast<int>(whole); i < 100; ++i) {
+        EXPECT_EQ(lines[2 + i], message(i));
+    }
+}
+
+TEST(TraceFault, ReplacingAFileFailsWholeAndKeepsTheOldFileAndTheQueue) {
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("queue.txt");
+    const std::string old = std::string(3000, 'o') + "\n";
+    zbtest::writeBytes(name, old);
+    CzbTrace trace;
+    queueMessages(trace, 100);
+    {
+        zbtest::FileSizeLimit limit(2000);
+        trace.setWriteFile(zbtest::Text(name), false);
+    }
+    EXPECT_EQ(zbtest::readBytes(name), old);
+    EXPECT_EQ(trace.getTraceNum(), 100);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
+
+    fs::create_symlink("/dev/full", dir.file("full.txt"));
+    trace.setWriteFile(zbtest::Text(dir.file("full.txt")), false);
+    trace.setWriteFile(zbtest::Text(dir.file("full.txt")), true);
+    EXPECT_EQ(trace.getTraceNum(), 100);
+    EXPECT_EQ(trace.getTraceFront(), message(0));
+
+    trace.setWriteFile(zbtest::Text(name), false);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_EQ(zbtest::readLines(name).size(), 100u);
+}
+
+#endif
