@@ -2,7 +2,7 @@
 # add_subdirectory of the source tree, then through FetchContent from an archive that holds
 # only what the library needs (CMakeLists.txt, cmake/, zbBase/). Each host is built and run.
 # Last, the source tree configured as the top-level project with GoogleTest hidden must still
-# succeed, saying that the tests are skipped.
+# succeed, saying that the tests are skipped; its Debug library carries the Windows names.
 # Arguments: ZBBASE_SOURCE, SOURCE_DIR (the host project), WORK_DIR, and those of
 # HostBuild.cmake.
 include(${CMAKE_CURRENT_LIST_DIR}/HostBuild.cmake)
@@ -27,9 +27,45 @@ foreach(mode subdirectory fetch)
   run_host(${program})
 endforeach()
 
-run(${CMAKE_COMMAND} -S ${ZBBASE_SOURCE} -B ${WORK_DIR}/top ${host_configure_args} ${hidden}
-    -DZBBASE_BUILD_EXAMPLES=OFF)
+# The Debug configuration, with a query of CMake's file API for the names of the library's files.
+set(top ${WORK_DIR}/top)
+file(WRITE ${top}/.cmake/api/v1/query/codemodel-v2 "")
+run(${CMAKE_COMMAND} -S ${ZBBASE_SOURCE} -B ${top} ${host_configure_args} ${hidden}
+    -DCMAKE_BUILD_TYPE=Debug -DZBBASE_BUILD_EXAMPLES=OFF)
 if(NOT last_error MATCHES "zbBase tests are skipped")
   message(FATAL_ERROR "no word of the skipped tests:\n${last_output}\n${last_error}")
+endif()
+
+# Files of the Debug library: zbBased.dll with its import library on Windows (libzbBased.dll.a
+# from MinGW), no postfix elsewhere.
+file(GLOB index ${top}/.cmake/api/v1/reply/index-*.json)
+file(READ ${index} json)
+string(JSON codemodel GET "${json}" reply codemodel-v2 jsonFile)
+file(READ ${top}/.cmake/api/v1/reply/${codemodel} json)
+string(JSON count LENGTH "${json}" configurations 0 targets)
+math(EXPR last "${count} - 1")
+set(artifacts "")
+foreach(i RANGE ${last})
+  string(JSON name GET "${json}" configurations 0 targets ${i} name)
+  if(name STREQUAL "zbBase")
+    string(JSON file GET "${json}" configurations 0 targets ${i} jsonFile)
+    file(READ ${top}/.cmake/api/v1/reply/${file} target)
+    string(JSON n LENGTH "${target}" artifacts)
+    math(EXPR n "${n} - 1")
+    foreach(a RANGE ${n})
+      string(JSON path GET "${target}" artifacts ${a} path)
+      get_filename_component(path ${path} NAME)
+      list(APPEND artifacts ${path})
+    endforeach()
+  endif()
+endforeach()
+if(TOOLCHAIN)
+  foreach(name zbBased.dll libzbBased.dll.a)
+    if(NOT name IN_LIST artifacts)
+      message(FATAL_ERROR "the Debug library's files are ${artifacts}, without ${name}")
+    endif()
+  endforeach()
+elseif(NOT artifacts MATCHES "^libzbBase\\.so" OR artifacts MATCHES "zbBased")
+  message(FATAL_ERROR "the Debug library's files are ${artifacts}")
 endif()
 file(REMOVE_RECURSE ${WORK_DIR})

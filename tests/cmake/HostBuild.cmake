@@ -1,6 +1,7 @@
 # Helpers of the scripts that build host projects the way users build theirs.
 # Arguments they share: CXX (the compiler of the build under test), GENERATOR, and for a cross
 # build TOOLCHAIN (its toolchain file) and EMULATOR (what runs its programs).
+cmake_minimum_required(VERSION 3.25)
 
 # run(COMMAND...): runs a command, fails with its output unless it succeeds; the output is left
 # in last_output and the error output in last_error.
