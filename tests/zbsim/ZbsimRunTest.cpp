@@ -1,4 +1,6 @@
 // Runs the example host zbsim end to end on a short scenario and checks what it leaves behind.
+// On Windows (and under Wine) zbsim.exe is started through the command interpreter, as a user
+// starts it, and every file it writes in text mode ends its lines with CR LF.
 #include "examples/zbsim/Track.h"
 #include "support/zbTestFiles.h"
 
@@ -6,38 +8,80 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <regex>
-#include <sstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#endif
 
 namespace fs = std::filesystem;
+using zbtest::kEol;
 
 namespace {
+
+// The program, as an absolute path in the platform's own form (taken before any test changes
+// folders; under Wine the build tree's path becomes a path on drive Z:).
+const std::string& zbsimProgram() {
+    static const std::string path = fs::absolute(ZBSIM_PATH).make_preferred().string();
+    return path;
+}
 
 class ZbsimRun : public ::testing::Test {
 protected:
     // Runs zbsim in the test folder; returns its exit code, with its error output in m_err.
     int zbsim(const std::string& args) {
-        const std::string command =
-            "cd '" + m_dir.string() + "' && '" ZBSIM_PATH "' " + args + " >out.txt 2>err.txt";
+#if defined(_WIN32)
+        const std::string command = "cd /d \"" + m_dir.string() + "\" && \"" + zbsimProgram() +
+                                    "\" " + args + " >out.txt 2>err.txt";
         const int status = std::system(command.c_str());
+#else
+        const std::string command = "cd '" + m_dir.string() + "' && '" + zbsimProgram() + "' " +
+                                    args + " >out.txt 2>err.txt";
+        const int raw = std::system(command.c_str());
+        const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+#endif
         m_err = read(m_dir / "err.txt");
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return status;
     }
     void write(const std::string& name, const std::string& content) {
         zbtest::writeBytes(m_dir / name, content);
     }
-    static std::string read(const fs::path& path) { return zbtest::readBytes(path); }
+    static std::string read(const fs::path& path) {
+        return zbtest::readBytes(path);
+    }
 
     zbtest::TempFolder m_folder;
     const fs::path m_dir = m_folder.path();
     std::string m_err;
 };
+
+// Text as a text-mode stream writes it: lines that each end with the platform's line end, and
+// no other line end (no bare LF on Windows, no CR elsewhere).
+::testing::AssertionResult isText(const std::string& bytes) {
+    if (bytes.empty()) {
+        return ::testing::AssertionFailure() << "no text";
+    }
+    if (bytes.size() < kEol.size() ||
+        bytes.compare(bytes.size() - kEol.size(), kEol.size(), kEol) != 0) {
+        return ::testing::AssertionFailure() << "last line has no line end";
+    }
+    std::string rest = bytes;
+    for (size_t at; (at = rest.find(kEol)) != std::string::npos;) {
+        rest.erase(at, kEol.size());
+    }
+    const size_t stray = rest.find_first_of("\r\n");
+    if (stray != std::string::npos) {
+        return ::testing::AssertionFailure()
+               << "a line end other than the platform's near \""
+               << rest.substr(stray < 40 ? 0 : stray - 40, 80) << "\"";
+    }
+    return ::testing::AssertionSuccess();
+}
 
 // A route of three points that the model completes in about 26 s, played at 30x for 30 s.
 const char* const kShortScenario = "scenario.name=`short`\n"
@@ -118,8 +162,11 @@ bool xmlWellFormed(const std::string& xml) {
 } // namespace
 
 TEST_F(ZbsimRun, ShortScenarioLeavesLogTrackGeoJsonAndSvg) {
-    write("short.txt", kShortScenario);
+    // The settings file as an editor of the platform saves it, with its line ends.
+    write("short.txt", std::regex_replace(kShortScenario, std::regex("\n"), kEol));
     ASSERT_EQ(zbsim("--settings short.txt --out results --quiet"), 0) << m_err;
+    EXPECT_TRUE(isText(read(m_dir / "out.txt")));
+    EXPECT_EQ(m_err, "");
 
     // The track file reads back with the sizes of its records.
     zbBase::CzbFileMgrB trackFile;
@@ -138,6 +185,9 @@ TEST_F(ZbsimRun, ShortScenarioLeavesLogTrackGeoJsonAndSvg) {
     } while (trackFile.MoveNext() != 0);
     ASSERT_EQ(static_cast<int>(track.size()), ticks);
     EXPECT_EQ(track.back().time, 30.0);
+    // Written in binary mode: not one byte more than the records.
+    EXPECT_EQ(fs::file_size(m_dir / "results/track.zbt"),
+              sizeof(zbsim::TrackHead) + ticks * sizeof(zbsim::TrackSample));
 
     // The model stops within one step of the last waypoint.
     double longestStep = 0;
@@ -157,26 +207,29 @@ TEST_F(ZbsimRun, ShortScenarioLeavesLogTrackGeoJsonAndSvg) {
     }
     ASSERT_EQ(logs.size(), 1u);
     EXPECT_TRUE(std::regex_match(logs[0].filename().string(), std::regex("zbsim_\\d{8}\\.log")));
-    std::istringstream log(read(logs[0]));
+    EXPECT_TRUE(isText(read(logs[0])));
     const std::regex line("\\d{8}   \\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}   L\\[00\\] "
                           "tick \\d+ t=\\d+\\.\\d{3} wp=-?\\d+ .*");
-    int lines = 0;
-    for (std::string text; std::getline(log, text); ++lines) {
+    const std::vector<std::string> lines = zbtest::readLines(logs[0]);
+    for (const std::string& text : lines) {
         EXPECT_TRUE(std::regex_match(text, line)) << text;
     }
-    EXPECT_EQ(lines, ticks);
+    EXPECT_EQ(static_cast<int>(lines.size()), ticks);
 
     const std::string geojson = read(m_dir / "results/track.geojson");
+    EXPECT_TRUE(isText(geojson));
     EXPECT_TRUE(jsonBalanced(geojson));
     EXPECT_NE(geojson.find("\"FeatureCollection\""), std::string::npos);
     EXPECT_EQ(countArrayElements(geojson, "\"LineString\""), ticks);
     EXPECT_EQ(countArrayElements(geojson, "\"MultiPoint\""), 3);
 
     const std::string svg = read(m_dir / "results/track.svg");
+    EXPECT_TRUE(isText(svg));
     EXPECT_TRUE(xmlWellFormed(svg));
     EXPECT_NE(svg.find("<polyline"), std::string::npos);
 
     const std::string state = read(m_dir / "results/final-state.txt");
+    EXPECT_TRUE(isText(state));
     EXPECT_NE(state.find("run.ticks=`" + std::to_string(ticks) + "`"), std::string::npos);
     EXPECT_FALSE(fs::exists(m_dir / "results/track.zbt.part"));
 }
@@ -185,6 +238,7 @@ TEST_F(ZbsimRun, MissingSettingsFileIsRefused) {
     EXPECT_EQ(zbsim("--settings nowhere.txt --out results"), 2);
     EXPECT_NE(m_err.find("nowhere.txt"), std::string::npos);
     EXPECT_EQ(std::count(m_err.begin(), m_err.end(), '\n'), 1);
+    EXPECT_TRUE(isText(m_err));
     EXPECT_FALSE(fs::exists(m_dir / "results"));
 }
 
@@ -204,6 +258,7 @@ TEST_F(ZbsimRun, UnknownOptionIsRefused) {
     EXPECT_EQ(zbsim("--frobnicate"), 2);
     EXPECT_NE(m_err.find("--frobnicate"), std::string::npos);
     EXPECT_EQ(std::count(m_err.begin(), m_err.end(), '\n'), 1);
+    EXPECT_TRUE(isText(m_err));
     EXPECT_EQ(zbsim("--speed -3"), 2);
     EXPECT_FALSE(fs::exists(m_dir / "zbsim-out"));
 }
@@ -212,18 +267,21 @@ TEST_F(ZbsimRun, OutputFolderThatCannotBeCreatedIsRefused) {
     write("plain-file", "x");
     EXPECT_EQ(zbsim("--out plain-file/results"), 2);
     EXPECT_NE(m_err.find("plain-file/results"), std::string::npos);
+    EXPECT_TRUE(isText(m_err));
     EXPECT_EQ(read(m_dir / "plain-file"), "x");
 }
 
 TEST_F(ZbsimRun, HelpListsEveryOptionAndSettingsRoundTrip) {
     ASSERT_EQ(zbsim("--help"), 0);
     const std::string help = read(m_dir / "out.txt");
+    EXPECT_TRUE(isText(help));
     for (const char* option :
          {"--settings", "--write-settings", "--out", "--speed", "--end", "--quiet", "--help"}) {
         EXPECT_NE(help.find(option), std::string::npos) << option;
     }
     ASSERT_EQ(zbsim("--write-settings defaults.txt"), 0);
     EXPECT_NE(read(m_dir / "defaults.txt").find("wp.x_#4="), std::string::npos);
+    EXPECT_TRUE(isText(read(m_dir / "defaults.txt")));
     // The written defaults read back as a valid scenario.
     ASSERT_EQ(zbsim("--settings defaults.txt --write-settings again.txt"), 0);
     EXPECT_EQ(read(m_dir / "defaults.txt"), read(m_dir / "again.txt"));
