@@ -20,12 +20,13 @@ typedef std::vector<ItemMap::iterator> ItemOrder;
 
 void addOrReplace(ItemMap& items, ItemOrder& order, const CzbFileDB::CStringT& key,
                   const CzbFileDB::CStringT& value) {
-    ItemMap::iterator found = items.find(key);
-    if (found != items.end()) {
+    // One search serves both cases: the place found is the hint for a new key.
+    ItemMap::iterator found = items.lower_bound(key);
+    if (found != items.end() && !(key < found->first)) {
         found->second = value;
         return;
     }
-    ItemMap::iterator added = items.emplace(key, value).first;
+    ItemMap::iterator added = items.emplace_hint(found, key, value);
     try {
         order.push_back(added);
     } catch (...) {
@@ -49,17 +50,13 @@ void mergeLines(ItemMap& items, ItemOrder& order, ByteSource& source) {
             break;
         }
         // The first "=" among characters 1 to L-2.
-        size_t equals = 0;
-        for (size_t i = 1; i + 1 < length; ++i) {
-            if (line[i] == '=') {
-                equals = i;
-                break;
-            }
-        }
-        if (equals == 0) {
+        const char* found =
+            length > 2 ? static_cast<const char*>(std::memchr(line + 1, '=', length - 2)) : nullptr;
+        if (found == nullptr) {
             // No new pair: applying the pending one again would change nothing.
             continue;
         }
+        const size_t equals = static_cast<size_t>(found - line);
         line[equals] = '\0';
         key = line;
         // The last quote character from the line's end down to two places behind the "=";
