@@ -65,8 +65,26 @@ bool writeField(ByteSink& sink, const char* field) {
     return sink.write(field, fieldLength(field));
 }
 
+// What ends a word of "%s": white space as isspace takes it in the C locale, and the NUL. A
+// table built at compile time, so no object is constructed at load.
+struct WordEnds {
+    bool blank[256];
+    bool end[256];
+};
+
+constexpr WordEnds makeWordEnds() {
+    WordEnds table{};
+    for (int c = 0; c < 256; ++c) {
+        table.blank[c] = c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+        table.end[c] = table.blank[c] || c == 0;
+    }
+    return table;
+}
+
+constexpr WordEnds kWordEnds = makeWordEnds();
+
 bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+    return kWordEnds.blank[static_cast<unsigned char>(c)];
 }
 
 // The next run of non-blank characters, as "%s" takes it; false at the end of the text.
@@ -79,7 +97,7 @@ bool scanWord(const char*& p, char* field) {
         return false;
     }
     const char* start = p;
-    while (*p != '\0' && !isBlank(*p)) {
+    while (!kWordEnds.end[static_cast<unsigned char>(*p)]) {
         ++p;
     }
     size_t length = static_cast<size_t>(p - start);
