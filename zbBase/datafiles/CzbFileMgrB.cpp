@@ -203,6 +203,9 @@ const size_t kUnknownFirstPiece = 64u << 10;
 
 bool readRecordImage(CzbFileMgrB& mgr, ByteSource& source, unsigned long long lengthHint) {
     mgr.ClearReadBuffer();
+    if (lengthHint > kLongest) {
+        return false; // a length that the format's signed 32-bit length cannot hold
+    }
     const size_t head = mgr.m_headSize;
     const size_t body = mgr.m_bodySize;
     // Without bodies only the head counts, and one byte tells an empty source.
@@ -231,6 +234,12 @@ bool readRecordImage(CzbFileMgrB& mgr, ByteSource& source, unsigned long long le
             continue;
         }
         if (capacity == limit) {
+            // A source that delivers more than the longest file fails as a longer file does.
+            char more;
+            if (limit == kLongest && source.read(&more, 1) == 1) {
+                std::free(image);
+                return false;
+            }
             break;
         }
         // Full: more room only once more bytes have come, so a source that holds what it

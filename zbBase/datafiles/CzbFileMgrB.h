@@ -44,10 +44,11 @@ public:
     void MakeFile(char* path);
     // Drops the read side, then reads the file. The head is kept when the file holds all of
     // it, each body that the file holds whole, in file order; a partial last body is left
-    // out, and a body size of 0 gives no bodies (and nothing behind the head is read). At
-    // most 2^31-1 bytes are read. false when the file cannot be opened, is empty, or its
-    // bodies do not fit in memory (the read side is then empty); true otherwise (even when
-    // it is shorter than the head).
+    // out, and a body size of 0 gives no bodies (and nothing behind the head is read). false
+    // when the file cannot be opened, is empty, is longer than 2^31-1 bytes (the longest
+    // that a signed 32-bit length describes; it is not read) or its bodies do not fit in
+    // memory, and the read side is then empty; true otherwise (even when the file is
+    // shorter than the head).
     bool OpenFile(char* path);
 
     // The head as read, or null.

@@ -15,9 +15,10 @@ namespace detail {
 
 // Drops the read side, then fills it from the source: the head when the source holds all of
 // it, then each whole body. The image grows as bytes arrive (`lengthHint`, what the source
-// says it holds, only sizes the first piece) and stops at 2^31-1 bytes; with a body size of 0
-// no byte behind the head is read. true when the source held at least one byte; false, with
-// the read side empty, when it held none or when memory ran out.
+// says it holds, only sizes the first piece); with a body size of 0 no byte behind the head is
+// read. true when the source held at least one byte; false, with the read side empty, when it
+// held none, when it holds more than 2^31-1 bytes (a hint above that fails at once) or when
+// memory ran out.
 bool readRecordImage(CzbFileMgrB& mgr, ByteSource& source, unsigned long long lengthHint);
 // The head (zero bytes when none was set), then every body; false at the first failed write.
 bool writeRecords(const CzbFileMgrB& mgr, ByteSink& sink);
