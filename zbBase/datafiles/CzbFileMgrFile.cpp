@@ -65,47 +65,21 @@ bool writeField(ByteSink& sink, const char* field) {
     return sink.write(field, fieldLength(field));
 }
 
-// What ends a word of "%s": white space as isspace takes it in the C locale, and the NUL. A
-// table built at compile time, so no object is constructed at load.
-struct WordEnds {
-    bool blank[256];
-    bool end[256];
-};
-
-constexpr WordEnds makeWordEnds() {
-    WordEnds table{};
-    for (int c = 0; c < 256; ++c) {
-        table.blank[c] = c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-        table.end[c] = table.blank[c] || c == 0;
-    }
-    return table;
-}
-
-constexpr WordEnds kWordEnds = makeWordEnds();
-
-bool isBlank(char c) {
-    return kWordEnds.blank[static_cast<unsigned char>(c)];
-}
+// White space as "%s" skips it (isspace in the C locale).
+const char* const kBlanks = " \t\n\v\f\r";
 
 // The next run of non-blank characters, as "%s" takes it; false at the end of the text.
 // The field receives the run cut at 127 characters.
 bool scanWord(const char*& p, char* field) {
-    while (isBlank(*p)) {
-        ++p;
-    }
+    p += std::strspn(p, kBlanks);
     if (*p == '\0') {
         return false;
     }
-    const char* start = p;
-    while (!kWordEnds.end[static_cast<unsigned char>(*p)]) {
-        ++p;
-    }
-    size_t length = static_cast<size_t>(p - start);
-    if (length > kFieldSize - 1) {
-        length = kFieldSize - 1;
-    }
-    std::memcpy(field, start, length);
-    field[length] = '\0';
+    const size_t length = std::strcspn(p, kBlanks);
+    const size_t kept = length < kFieldSize - 1 ? length : kFieldSize - 1;
+    std::memcpy(field, p, kept);
+    field[kept] = '\0';
+    p += length;
     return true;
 }
 
@@ -126,9 +100,7 @@ void scanAttribute(const char* line, _Attribute& scratch) {
     if (!scanWord(p, scratch.name)) {
         return;
     }
-    while (isBlank(*p)) {
-        ++p;
-    }
+    p += std::strspn(p, kBlanks);
     if (*p != '=') {
         return;
     }
