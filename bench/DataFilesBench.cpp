@@ -3,8 +3,12 @@
 //   CzbFileDB     savefile and openfile of 100 000 items
 //   CzbFileMgrAdv writeFile and readFile of 256 MiB in 64 blocks, beside fwrite and fread of the
 //                 same blocks in the same program
-//   CzbFileMgrB   MakeFile and OpenFile of 1 000 000 bodies of 16 bytes
+//   CzbFileMgrB   MakeFile and OpenFile of 1 000 000 bodies of 16 bytes, and OpenFile of an
+//                 8 MiB file with a body size of 1
+//   CzbFileMgr    OpenFile and MakeFile of 64 000 distinct titles (a 0.95 MB file), beside a
+//                 plain fgets and sscanf("%s = %s") pass over the same file
 #include <zbBase/datafiles/CzbFileDB.h>
+#include <zbBase/datafiles/CzbFileMgr.h>
 #include <zbBase/datafiles/CzbFileMgrAdv.h>
 #include <zbBase/datafiles/CzbFileMgrB.h>
 
@@ -195,5 +199,80 @@ void FileMgrB_OpenFile(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kBodies);
 }
 BENCHMARK(FileMgrB_OpenFile)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void FileMgrB_OpenFile_BodySize1(benchmark::State& state) {
+    std::string path = folder().file("bytes.bin");
+    {
+        std::string bytes(8u << 20, 'b');
+        FILE* file = std::fopen(path.c_str(), "wb");
+        std::fwrite(bytes.data(), 1, bytes.size(), file);
+        std::fclose(file);
+    }
+    zbBase::CzbFileMgrB mgr;
+    mgr.SetDataSize(0, 1);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mgr.OpenFile(C(path)));
+    }
+    if (mgr.m_readBodies.size() != (8u << 20)) {
+        state.SkipWithError("bodies lost");
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(8u << 20));
+}
+BENCHMARK(FileMgrB_OpenFile_BodySize1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+const int kTitles = 64000;
+
+// One section per title: "[T12345]" and one attribute, some 15 bytes a title.
+std::string titlesFile() {
+    std::string path = folder().file("titles.ini");
+    FILE* file = std::fopen(path.c_str(), "w");
+    for (int i = 0; i < kTitles; ++i) {
+        std::fprintf(file, "[T%05d]\na = %d\n", i, i % 10);
+    }
+    std::fclose(file);
+    return path;
+}
+
+void FileMgr_OpenFile_64000Titles(benchmark::State& state) {
+    std::string path = titlesFile();
+    zbBase::CzbFileMgr mgr;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mgr.OpenFile(C(path)));
+    }
+    if (mgr.m_attributes.size() != static_cast<size_t>(kTitles)) {
+        state.SkipWithError("records lost");
+    }
+    state.SetItemsProcessed(state.iterations() * kTitles);
+}
+BENCHMARK(FileMgr_OpenFile_64000Titles)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void Stdio_fgets_sscanf_64000Titles(benchmark::State& state) {
+    std::string path = titlesFile();
+    char line[1024], name[128], value[128];
+    for (auto _ : state) {
+        FILE* file = std::fopen(path.c_str(), "r");
+        int records = 0;
+        while (std::fgets(line, sizeof line, file) != nullptr) {
+            if (line[0] == '[' || std::sscanf(line, "%127s = %127s", name, value) > 0) {
+                ++records;
+            }
+        }
+        std::fclose(file);
+        benchmark::DoNotOptimize(records);
+    }
+    state.SetItemsProcessed(state.iterations() * kTitles);
+}
+BENCHMARK(Stdio_fgets_sscanf_64000Titles)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void FileMgr_MakeFile_64000Titles(benchmark::State& state) {
+    zbBase::CzbFileMgr mgr;
+    mgr.OpenFile(C(titlesFile()));
+    std::string path = folder().file("titles-out.ini");
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(mgr.MakeFile(C(path)));
+    }
+    state.SetItemsProcessed(state.iterations() * kTitles);
+}
+BENCHMARK(FileMgr_MakeFile_64000Titles)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace

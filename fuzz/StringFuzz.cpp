@@ -1,9 +1,9 @@
 // String routines on arbitrary text and buffer sizes: no read or write outside a buffer.
 #include <zbBase/diagnostics/CzbString.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>

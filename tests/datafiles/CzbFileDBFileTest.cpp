@@ -4,7 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -27,6 +32,44 @@ void readInto(CzbFileDB& db, const TempFolder& folder, const std::string& bytes)
     std::string path = folder.file("in.txt");
     writeBytes(path, bytes);
     ASSERT_TRUE(db.openfile(T(path)));
+}
+
+// The documented reading, line by line through fgets, as the reference for the reader that
+// takes the file in pieces.
+std::vector<std::pair<std::string, std::string>> referenceRead(const std::string& path) {
+    std::vector<std::pair<std::string, std::string>> items;
+    FILE* file = std::fopen(path.c_str(), "r");
+    char line[1024];
+    std::string key, value;
+    while (std::fgets(line, sizeof line, file) != nullptr) {
+        const size_t length = std::strlen(line);
+        if (length == 0) {
+            break;
+        }
+        size_t equals = 0;
+        for (size_t i = 1; i + 1 < length && equals == 0; ++i) {
+            equals = line[i] == '=' ? i : 0;
+        }
+        if (equals == 0) {
+            continue;
+        }
+        key.assign(line, equals);
+        for (size_t q = length - 1; q >= equals + 2; --q) {
+            if (line[q] == '`' || line[q] == '\'') {
+                value.assign(line + equals + 2, q - equals - 2);
+                break;
+            }
+        }
+        auto found = std::find_if(items.begin(), items.end(),
+                                  [&](const auto& item) { return item.first == key; });
+        if (found != items.end()) {
+            found->second = value;
+        } else {
+            items.emplace_back(key, value);
+        }
+    }
+    std::fclose(file);
+    return items;
 }
 
 } // namespace
@@ -162,4 +205,40 @@ TEST(CzbFileDBFile, WriterAgainstReader) {
     // 1023 characters without the closing quote, then the rest as a line of its own.
     EXPECT_EQ(value(back, "longer"), std::string(1016, 'x'));
     EXPECT_EQ(back.m_items.size(), 6u);
+}
+
+TEST(CzbFileDBFile, PiecewiseReadingMatchesLineByLineReading) {
+    // Random lines of 0 to 3000 characters over the bytes that matter (line ends, "=", both
+    // quotes, NUL, CR): lines cross the reader's pieces and the 1023-character cut everywhere.
+    TempFolder folder;
+    std::string path = folder.file("random.txt");
+    std::mt19937 random(12);
+    const char alphabet[] = {'a', 'b', 'c', '=', '`', '\'', ' ', '\r', '\n', '\0', 'k', '='};
+    for (int round = 0; round < 6; ++round) {
+        std::string bytes;
+        while (bytes.size() < 120000) {
+            const size_t length = random() % (random() % 4 == 0 ? 3000 : 40);
+            for (size_t i = 0; i < length; ++i) {
+                char c = alphabet[random() % sizeof alphabet];
+                bytes += (c == '\0' && random() % 8 != 0) ? 'z' : c;
+            }
+            bytes += '\n';
+        }
+        writeBytes(path, bytes);
+        CzbFileDB db;
+        ASSERT_TRUE(db.openfile(T(path)));
+        auto expected = referenceRead(path);
+        ASSERT_EQ(db.m_order.size(), expected.size());
+        for (size_t i = 0; i < expected.size(); ++i) {
+            ASSERT_EQ(db.m_order[i]->first.GetString(), expected[i].first) << i;
+            ASSERT_EQ(db.m_order[i]->second.GetString(), expected[i].second) << i;
+        }
+        // A merge into a filled object gives the same values behind its own items.
+        CzbFileDB filled;
+        filled.setItem(T("own"), T("kept"));
+        ASSERT_TRUE(filled.openfile(T(path)));
+        ASSERT_EQ(filled.m_order.size(), expected.size() + 1);
+        EXPECT_EQ(keysInOrder(filled).front(), "own");
+        EXPECT_EQ(value(filled, "own"), "kept");
+    }
 }

@@ -4,8 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
+#include <thread>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
 
 using zbBase::CzbFileMgrB;
 
@@ -140,3 +146,64 @@ TEST(CzbFileMgrB, MalformedFilesKeepWhatIsWhole) {
     mgr.m_cursor = 0x7fffffff;
     EXPECT_EQ(mgr.MoveNext(), 0);
 }
+
+TEST(CzbFileMgrB, ReadSideIsOneImageThatCopiesDuplicate) {
+    TempFolder folder;
+    std::string path = folder.file("image.bin");
+    std::string bytes = "HEAD";
+    for (int i = 0; i < 100000; ++i) {
+        bytes += std::to_string(100000 + i).substr(1); // 5-byte bodies, 500 KB in all
+    }
+    writeBytes(path, bytes + "xy");
+    CzbFileMgrB mgr;
+    mgr.SetDataSize(4, 5);
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    ASSERT_EQ(mgr.m_readBodies.size(), 100000u);
+    EXPECT_EQ(block(mgr.GetHeadData(), 4), "HEAD");
+    EXPECT_EQ(block(mgr.m_readBodies[0], 5), "00000");
+    EXPECT_EQ(block(mgr.m_readBodies[99999], 5), "99999");
+    // The bodies stand behind the head, one after the other.
+    EXPECT_EQ(mgr.m_readBodies[7], static_cast<char*>(mgr.GetHeadData()) + 4 + 7 * 5);
+
+    CzbFileMgrB copy(mgr);
+    mgr.ClearReadBuffer();
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+    EXPECT_EQ(mgr.GetHeadData(), nullptr);
+    ASSERT_EQ(copy.m_readBodies.size(), 100000u);
+    EXPECT_EQ(block(copy.GetHeadData(), 4), "HEAD");
+    EXPECT_EQ(block(copy.m_readBodies[12345], 5), "12345");
+    CzbFileMgrB assigned;
+    assigned = copy;
+    copy.SetDataSize(1, 1);
+    EXPECT_EQ(block(assigned.m_readBodies[99999], 5), "99999");
+}
+
+#if !defined(_WIN32)
+TEST(CzbFileMgrB, BytesFromAPipeAreReadAsTheyArrive) {
+    // A pipe claims no length: the image grows with what really comes.
+    TempFolder folder;
+    std::string path = folder.file("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::string bytes(300000, '\0');
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<char>(i % 251);
+    }
+    std::thread writer([&] {
+        FILE* file = std::fopen(path.c_str(), "wb");
+        for (size_t done = 0; done < bytes.size(); done += 1000) {
+            std::fwrite(bytes.data() + done, 1, 1000, file);
+            std::fflush(file);
+        }
+        std::fclose(file);
+    });
+    CzbFileMgrB mgr;
+    mgr.SetDataSize(10, 7);
+    bool opened = mgr.OpenFile(T(path));
+    writer.join();
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(block(mgr.GetHeadData(), 10), bytes.substr(0, 10));
+    ASSERT_EQ(mgr.m_readBodies.size(), (bytes.size() - 10) / 7);
+    EXPECT_EQ(block(mgr.m_readBodies.back(), 7),
+              bytes.substr(10 + 7 * (mgr.m_readBodies.size() - 1), 7));
+}
+#endif

@@ -4,8 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 using zbBase::CzbFileMgr;
 
@@ -223,4 +227,91 @@ TEST(CzbFileMgr, LongTextsAreCutAt127Characters) {
     ASSERT_EQ(mgr.m_attributes.size(), 1u);
     EXPECT_EQ(std::string(mgr.m_attributes[0].title), std::string(127, 't'));
     EXPECT_EQ(std::string(mgr.m_attributes[0].value), std::string(127, 'v'));
+}
+
+TEST(CzbFileMgr, GroupingKeepsFirstAppearanceAndRecordOrder) {
+    TempFolder folder;
+    CzbFileMgr mgr;
+    // A title counts from its first record, not its first header: "[Empty]" has none, "[C]"
+    // gets its first record after B. Lines before any header and "[]" sections have no title.
+    openBytes(mgr, folder,
+              "lost = 0\n"
+              "[A]\n"
+              "a1 = 1\n"
+              "[Empty]\n"
+              "[B]\n"
+              "b1 = 2\n"
+              "[A]\n"
+              "a2 = 3\n"
+              "a1 = 4\n"
+              "[]\n"
+              "gone = 5\n"
+              "[C]\n"
+              "[B]\n"
+              "b2 = 6\n"
+              "[C]\n"
+              "c1 = 7\n"
+              "[A]\n"
+              "a3 = 8\n");
+    std::string order;
+    for (const _Attribute& record : mgr.m_attributes) {
+        order += std::string(record.title) + ":" + record.name + "=" + record.value + " ";
+    }
+    EXPECT_EQ(order, "A:a1=1 A:a2=3 A:a1=4 A:a3=8 B:b1=2 B:b2=6 C:c1=7 ");
+    mgr.SetTitle(T("A"));
+    EXPECT_EQ(text(mgr, "a1"), "4"); // the later of two
+    EXPECT_EQ(mgr.m_position, 0);
+    mgr.SetTitle(T("C"));
+    EXPECT_EQ(mgr.m_position, 6);
+
+    // The writer groups the same way without touching the table.
+    std::string path = folder.file("grouped.ini");
+    CzbFileMgr table;
+    const char* titles[] = {"B", "A", "B", "C", "A", "B"};
+    for (int i = 0; i < 6; ++i) {
+        table.SetTitle(T(titles[i]));
+        table.SetAttribute(T("n"), i);
+    }
+    ASSERT_TRUE(table.MakeFile(T(path)));
+    EXPECT_EQ(readBytes(path), "[B]" NL "n = 0" NL "n = 2" NL "n = 5" NL "[A]" NL "n = 1" NL
+                               "n = 4" NL "[C]" NL "n = 3" NL);
+    EXPECT_STREQ(table.m_attributes[1].title, "A");
+
+    // Against the grouping spelled out (title list, then one pass per title) on a large table
+    // of many titles, repeated and interleaved.
+    std::mt19937 random(7);
+    std::string bytes;
+    std::vector<std::pair<std::string, std::string>> records; // title, name in file order
+    std::string title;
+    for (int i = 0; i < 20000; ++i) {
+        if (random() % 3 == 0) {
+            title = random() % 50 == 0 ? "" : "t" + std::to_string(random() % 700);
+            bytes += "[" + title + "]\n";
+        } else {
+            std::string name = "n" + std::to_string(i);
+            bytes += name + " = v\n";
+            records.emplace_back(title, name);
+        }
+    }
+    std::vector<std::string> list;
+    for (const auto& record : records) {
+        if (!record.first.empty() &&
+            std::find(list.begin(), list.end(), record.first) == list.end()) {
+            list.push_back(record.first);
+        }
+    }
+    std::vector<std::pair<std::string, std::string>> expected;
+    for (const std::string& entry : list) {
+        for (const auto& record : records) {
+            if (record.first == entry) {
+                expected.push_back(record);
+            }
+        }
+    }
+    openBytes(mgr, folder, bytes);
+    ASSERT_EQ(mgr.m_attributes.size(), expected.size());
+    for (size_t i = 0; i < expected.size(); ++i) {
+        ASSERT_EQ(mgr.m_attributes[i].title, expected[i].first) << i;
+        ASSERT_EQ(mgr.m_attributes[i].name, expected[i].second) << i;
+    }
 }

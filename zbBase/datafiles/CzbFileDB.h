@@ -82,15 +82,18 @@ public:
     void setWriteEnter();
     void setWriteRelease();
 
-    // Writes every non-empty item, in order, as "%s=`%s`\n" in text mode, replacing the file.
-    // false only when the file cannot be opened; failed writes are not noticed.
+    // Writes every non-empty item, in order, as "%s=`%s`\n" in text mode, beside the file, and
+    // puts it in the file's place only when every write, the flush and the close succeeded.
+    // false when the file cannot be written or any of that failed; the old file then stays as
+    // it was.
     bool savefile(char* path);
-    // Merges the file into the items (keys it does not name stay); false only when it cannot
-    // be opened, and then nothing changes. Per line (at most 1023 characters): the key is what
-    // stands before the first "=" among characters 1 to L-2; the value runs from two places
-    // behind that "=" to the last backquote or single quote of the line. A line without "="
-    // sets nothing; a line without a closing quote gives its key the value of the line before
-    // (the empty text before any). Reading stops at a line that begins with a NUL byte.
+    // Merges the file into the items (keys it does not name stay); false when it cannot be
+    // opened, or when its items do not fit in memory, and then nothing changes. Per line (at
+    // most 1023 characters): the key is what stands before the first "=" among characters 1 to
+    // L-2; the value runs from two places behind that "=" to the last backquote or single
+    // quote of the line. A line without "=" sets nothing; a line without a closing quote gives
+    // its key the value of the line before (the empty text before any). Reading stops at a line
+    // that begins with a NUL byte.
     bool openfile(char* path);
 
     ItemMap m_items;

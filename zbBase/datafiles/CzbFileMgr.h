@@ -82,11 +82,14 @@ public:
     bool GetAttribute(char* name, double& value);
 
     // Empties the current title, then writes "[title]" and "name = value" lines, one section
-    // per title in order of first appearance (text mode). false for an empty table (no file
-    // is touched) or a file that cannot be created. The table is not changed.
+    // per title in order of first appearance (text mode), beside the file, and puts it in the
+    // file's place only when every write, the flush and the close succeeded. false for an
+    // empty table (no file is touched), or when the file cannot be written or any of that
+    // failed (the old file stays as it was). The table is not changed.
     bool MakeFile(char* path);
-    // Empties the current title and the table, then reads the file and groups it by title.
-    // false when the file cannot be opened.
+    // Empties the current title and the table, then reads the file and groups it by title (in
+    // n log n time, whatever the number of titles). false when the file cannot be opened, or
+    // when its records do not fit in memory (the table is then empty).
     bool OpenFile(char* path);
 
     char m_title[128];

@@ -1,11 +1,13 @@
 #include "zbBase/datafiles/CzbFileMgrAdv.h"
 
+#include "zbBase/datafiles/detail/zbBlockFile.h"
 #include "zbBase/datafiles/detail/zbLittleEndian.h"
+#include "zbBase/platform/detail/zbpAtomicFile.h"
 #include "zbBase/platform/detail/zbpFileIO.h"
 
 #include <cstdio>
 #include <cstring>
-#include <memory>
+#include <new>
 
 using namespace zbBase::detail;
 
@@ -13,7 +15,7 @@ namespace zbBase {
 
 namespace {
 
-const size_t kHeaderSize = 152;
+const size_t kHeaderSize = kBlockHeaderSize;
 
 void encodeHeader(const _zbFileMgrHeader& header, unsigned char* out) {
     std::memset(out, 0, kHeaderSize);
@@ -33,24 +35,53 @@ _zbFileMgrHeader decodeHeader(const unsigned char* in) {
     return header;
 }
 
-// Writes size bytes of data; data that is absent is written as zero bytes.
-void writeBlock(FILE* file, const void* data, unsigned long long size) {
+// Moves `count` bytes from the source to the sink (or drops them without a sink); false when
+// the source ends early or a write fails.
+bool copyBytes(ByteSource& source, ByteSink* sink, unsigned long long count) {
+    char chunk[16 * 1024];
+    while (count > 0) {
+        const size_t want = count < sizeof chunk ? static_cast<size_t>(count) : sizeof chunk;
+        const size_t got = source.read(chunk, want);
+        if (got != want || (sink != nullptr && !sink->write(chunk, got))) {
+            return false;
+        }
+        count -= got;
+    }
+    return true;
+}
+
+// `size` bytes of data; data that is absent is written as zero bytes.
+bool writeBlock(ByteSink& sink, const void* data, unsigned long long size) {
     if (data != nullptr) {
-        std::fwrite(data, 1, static_cast<size_t>(size), file);
-        return;
+        return sink.write(data, static_cast<size_t>(size));
     }
     static const char zeros[4096] = {};
     for (unsigned long long left = size; left > 0;) {
-        size_t count = left < sizeof zeros ? static_cast<size_t>(left) : sizeof zeros;
-        std::fwrite(zeros, 1, count, file);
+        const size_t count = left < sizeof zeros ? static_cast<size_t>(left) : sizeof zeros;
+        if (!sink.write(zeros, count)) {
+            return false;
+        }
         left -= count;
     }
+    return true;
 }
 
-void writeSize(FILE* file, unsigned long long size) {
-    unsigned char bytes[8];
-    putU64(bytes, size);
-    std::fwrite(bytes, 1, sizeof bytes, file);
+// The size table, 8 bytes an entry, with `replaced` in the place of entry `index`.
+bool writeSizes(ByteSink& sink, const std::vector<unsigned long long>& sizes, size_t index,
+                unsigned long long replaced) {
+    unsigned char chunk[8 * 512];
+    size_t filled = 0;
+    for (size_t i = 0; i < sizes.size(); ++i) {
+        putU64(chunk + filled, i == index ? replaced : sizes[i]);
+        filled += 8;
+        if (filled == sizeof chunk || i + 1 == sizes.size()) {
+            if (!sink.write(chunk, filled)) {
+                return false;
+            }
+            filled = 0;
+        }
+    }
+    return true;
 }
 
 FILE* openStream(const char* path, const char* mode) {
@@ -76,28 +107,16 @@ void CzbFileMgrAdv::clear() {
 }
 
 bool CzbFileMgrAdv::writeFile(char* path, float value) {
-    FILE* file = openStream(path, "wb");
-    if (file == nullptr) {
+    // Written beside the file and put in its place only when whole: a failure keeps the old one.
+    zbp::AtomicFile file;
+    if (!file.open(path, "wb")) {
         return false;
     }
-    _zbFileMgrHeader header;
-    std::memset(&header, 0, sizeof header);
-    header.headerValue = value;
-    header.blockCount = m_blocks.size();
-    for (const _Block& block : m_blocks) {
-        header.totalSize += block.size;
+    FileSink sink(file.stream());
+    if (!writeBlocks(m_blocks, value, sink)) {
+        file.fail();
     }
-    unsigned char bytes[kHeaderSize];
-    encodeHeader(header, bytes);
-    std::fwrite(bytes, 1, sizeof bytes, file);
-    for (const _Block& block : m_blocks) {
-        writeSize(file, block.size);
-    }
-    for (const _Block& block : m_blocks) {
-        writeBlock(file, block.data, block.size);
-    }
-    std::fclose(file);
-    return true;
+    return file.commit();
 }
 
 int CzbFileMgrAdv::readFile(char* path, bool withSizeTable) {
@@ -105,23 +124,8 @@ int CzbFileMgrAdv::readFile(char* path, bool withSizeTable) {
     if (file == nullptr) {
         return 0;
     }
-    unsigned char bytes[kHeaderSize];
-    std::memset(bytes, 0, sizeof bytes);
-    zbp::fread_s(bytes, sizeof bytes, 1, sizeof bytes, file);
-    _zbFileMgrHeader header = decodeHeader(bytes);
-    if (!withSizeTable) {
-        // The skip is a 32-bit offset, as the runtime's fseek takes it where long is 32 bits.
-        int32_t skip = static_cast<int32_t>(static_cast<uint32_t>(header.blockCount * 8));
-        std::fseek(file, skip, SEEK_CUR);
-    }
-    for (size_t i = 0; i < m_blocks.size() && i < header.blockCount; ++i) {
-        const _Block& block = m_blocks[i];
-        if (block.data == nullptr || block.size == 0) {
-            continue;
-        }
-        size_t size = static_cast<size_t>(block.size);
-        zbp::fread_s(block.data, size, 1, size, file);
-    }
+    FileSource source(file);
+    readBlocks(m_blocks, source, withSizeTable);
     std::fclose(file);
     return 1;
 }
@@ -146,74 +150,139 @@ bool CzbFileMgrAdv::editFile(char* path, int index, void* data, unsigned long lo
     // so no header field can ask for more memory than the file has bytes.
     long long fileLength = zbp::_filelengthi64(zbp::_fileno(file));
     unsigned long long length = fileLength > 0 ? static_cast<unsigned long long>(fileLength) : 0;
-    unsigned char bytes[kHeaderSize];
-    if (length < kHeaderSize ||
-        zbp::fread_s(bytes, sizeof bytes, 1, sizeof bytes, file) != sizeof bytes) {
-        std::fclose(file);
-        return false;
-    }
-    _zbFileMgrHeader header = decodeHeader(bytes);
-    unsigned long long count = header.blockCount;
-    if (count > (length - kHeaderSize) / 8) {
-        std::fclose(file);
-        return false;
-    }
-    size_t tableBytes = static_cast<size_t>(count * 8);
-    std::unique_ptr<unsigned char[]> table(new unsigned char[tableBytes > 0 ? tableBytes : 1]);
-    if (zbp::fread_s(table.get(), tableBytes, 1, tableBytes, file) != tableBytes) {
-        std::fclose(file);
-        return false;
-    }
-    std::vector<unsigned long long> sizes(static_cast<size_t>(count));
-    unsigned long long dataBytes = 0;
-    unsigned long long room = length - kHeaderSize - tableBytes;
-    bool whole = true;
-    for (size_t i = 0; i < sizes.size(); ++i) {
-        sizes[i] = getU64(table.get() + 8 * i);
-        if (sizes[i] > room - dataBytes) {
-            whole = false;
-            break;
+    FileSource source(file);
+    BlockFileLayout layout;
+    bool edited = false;
+    if (readBlockLayout(source, length, layout) && index >= 0 &&
+        static_cast<size_t>(index) < layout.sizes.size()) {
+        // The edited file is written beside the old one and takes its place only when whole,
+        // so a failure at any point leaves the old file as it was, valid.
+        zbp::AtomicFile edit;
+        if (edit.open(path, "wb")) {
+            FileSink sink(edit.stream());
+            if (!writeEditedBlocks(source, layout, static_cast<size_t>(index), data, size, sink)) {
+                edit.fail();
+            }
+            std::fclose(file);
+            file = nullptr;
+            edited = edit.commit();
         }
-        dataBytes += sizes[i];
+    }
+    if (file != nullptr) {
+        std::fclose(file);
+    }
+    return edited;
+}
+
+namespace detail {
+
+void readBlocks(const std::vector<CzbFileMgrAdv::_Block>& blocks, ByteSource& source,
+                bool withSizeTable) {
+    unsigned char bytes[kHeaderSize];
+    std::memset(bytes, 0, sizeof bytes);
+    source.read(bytes, sizeof bytes);
+    const _zbFileMgrHeader header = decodeHeader(bytes);
+    if (!withSizeTable) {
+        // The skip is a 32-bit offset, as the runtime's fseek takes it where long is 32 bits.
+        int32_t skip = static_cast<int32_t>(static_cast<uint32_t>(header.blockCount * 8));
+        source.skip(skip);
+    }
+    for (size_t i = 0; i < blocks.size() && i < header.blockCount; ++i) {
+        const CzbFileMgrAdv::_Block& block = blocks[i];
+        if (block.data != nullptr && block.size > 0) {
+            source.read(block.data, static_cast<size_t>(block.size));
+        }
+    }
+}
+
+bool writeBlocks(const std::vector<CzbFileMgrAdv::_Block>& blocks, float value, ByteSink& sink) {
+    _zbFileMgrHeader header;
+    std::memset(&header, 0, sizeof header);
+    header.headerValue = value;
+    header.blockCount = blocks.size();
+    for (const CzbFileMgrAdv::_Block& block : blocks) {
+        header.totalSize += block.size;
+    }
+    unsigned char bytes[kHeaderSize];
+    encodeHeader(header, bytes);
+    if (!sink.write(bytes, sizeof bytes)) {
+        return false;
+    }
+    unsigned char size[8];
+    for (const CzbFileMgrAdv::_Block& block : blocks) {
+        putU64(size, block.size);
+        if (!sink.write(size, sizeof size)) {
+            return false;
+        }
+    }
+    for (const CzbFileMgrAdv::_Block& block : blocks) {
+        if (!writeBlock(sink, block.data, block.size)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool readBlockLayout(ByteSource& source, unsigned long long length, BlockFileLayout& layout) {
+    if (length < kHeaderSize || source.read(layout.header, kHeaderSize) != kHeaderSize) {
+        return false;
+    }
+    const _zbFileMgrHeader header = decodeHeader(layout.header);
+    const unsigned long long count = header.blockCount;
+    if (count > (length - kHeaderSize) / 8) {
+        return false;
+    }
+    try {
+        layout.sizes.assign(static_cast<size_t>(count), 0);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    const unsigned long long room = length - kHeaderSize - count * 8;
+    unsigned long long dataBytes = 0;
+    unsigned char chunk[8 * 512];
+    for (size_t done = 0; done < layout.sizes.size();) {
+        const size_t entries = layout.sizes.size() - done < sizeof chunk / 8
+                                   ? layout.sizes.size() - done
+                                   : sizeof chunk / 8;
+        if (source.read(chunk, entries * 8) != entries * 8) {
+            return false;
+        }
+        for (size_t i = 0; i < entries; ++i, ++done) {
+            const unsigned long long size = getU64(chunk + 8 * i);
+            if (size > room - dataBytes) {
+                return false;
+            }
+            layout.sizes[done] = size;
+            dataBytes += size;
+        }
     }
     // The file must hold exactly what header and table say: anything else is not rewritten,
     // so no byte of it can be lost.
-    if (!whole || dataBytes != room || header.totalSize != dataBytes) {
-        std::fclose(file);
-        return false;
-    }
-    std::unique_ptr<char[]> blocks(new char[dataBytes > 0 ? static_cast<size_t>(dataBytes) : 1]);
-    size_t got = zbp::fread_s(blocks.get(), static_cast<size_t>(dataBytes), 1,
-                              static_cast<size_t>(dataBytes), file);
-    std::fclose(file);
-    if (got != dataBytes) {
-        return false;
-    }
-    if (index < 0 || static_cast<unsigned long long>(index) >= count) {
-        return false;
-    }
+    layout.dataBytes = dataBytes;
+    return dataBytes == room && header.totalSize == dataBytes;
+}
 
-    file = openStream(path, "wb");
-    if (file == nullptr) {
-        return true;
-    }
+bool writeEditedBlocks(ByteSource& source, const BlockFileLayout& layout, size_t index,
+                       const void* data, unsigned long long size, ByteSink& sink) {
     // Only totalSize changes in the header; every other byte, the gap too, stays as read.
-    putU64(bytes + 8, dataBytes - sizes[static_cast<size_t>(index)] + size);
-    std::fwrite(bytes, 1, sizeof bytes, file);
-    for (size_t i = 0; i < sizes.size(); ++i) {
-        writeSize(file, i == static_cast<size_t>(index) ? size : sizes[i]);
+    unsigned char header[kHeaderSize];
+    std::memcpy(header, layout.header, sizeof header);
+    putU64(header + 8, layout.dataBytes - layout.sizes[index] + size);
+    if (!sink.write(header, sizeof header) || !writeSizes(sink, layout.sizes, index, size)) {
+        return false;
     }
-    unsigned long long offset = 0;
-    for (size_t i = 0; i < sizes.size(); ++i) {
-        if (i == static_cast<size_t>(index)) {
-            writeBlock(file, data, size);
-        } else {
-            writeBlock(file, blocks.get() + offset, sizes[i]);
+    for (size_t i = 0; i < layout.sizes.size(); ++i) {
+        if (i != index) {
+            if (!copyBytes(source, &sink, layout.sizes[i])) {
+                return false;
+            }
+        } else if (!copyBytes(source, nullptr, layout.sizes[i]) || !writeBlock(sink, data, size)) {
+            return false;
         }
-        offset += sizes[i];
     }
-    std::fclose(file);
     return true;
 }
+
+} // namespace detail
 
 } // namespace zbBase

@@ -10,7 +10,7 @@
 // The object holds pointers and sizes only; the blocks stay the host's, alive and of the
 // stated size while an operation uses them. readFile reads by the sizes of the list, never
 // more than a block's registered size; editFile rewrites a file only when it holds exactly
-// what its header says.
+// what its header says. Whole files are written beside their target and renamed into place.
 //
 // The class has no lock: an object belongs to one thread at a time.
 #pragma once
@@ -51,8 +51,10 @@ public:
     void setDataSize(int index, void* data, unsigned long long size);
     void clear();
 
-    // Writes header, size table and blocks (binary), replacing the file; false when it
-    // cannot be created. A block without data is written as zero bytes.
+    // Writes header, size table and blocks (binary) beside the file, and puts it in the
+    // file's place only when every write, the flush and the close succeeded. false when the
+    // file cannot be written or any of that failed; the old file then stays as it was. A
+    // block without data is written as zero bytes.
     bool writeFile(char* path, float value);
     // Reads the header, skips the size table (withSizeTable false) or lets its bytes flow
     // into the first blocks (true), then fills entry i of the list with its registered size
@@ -63,9 +65,11 @@ public:
     // opened).
     _zbFileMgrHeader getFileHeaderInfo(char* path);
     // Replaces block `index` of the stored file by `size` bytes from `data`; the blocks behind
-    // it move. false, with the file untouched, when it cannot be opened, `index` is out of
-    // range or the file does not hold exactly what its header and size table say. true
-    // otherwise, also when the file cannot be reopened for writing (then it is not written).
+    // it move. The edited file is written beside the old one (the blocks copied across in
+    // pieces, never held whole in memory) and takes its place only when complete. false, with
+    // the file untouched, when it cannot be opened, `index` is out of range, the file does not
+    // hold exactly what its header and size table say, or the edited file cannot be written
+    // whole.
     bool editFile(char* path, int index, void* data, unsigned long long size);
 
     std::vector<_Block> m_blocks;

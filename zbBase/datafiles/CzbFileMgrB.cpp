@@ -1,11 +1,14 @@
 #include "zbBase/datafiles/CzbFileMgrB.h"
 
+#include "zbBase/datafiles/detail/zbRecordImage.h"
+#include "zbBase/platform/detail/zbpAtomicFile.h"
 #include "zbBase/platform/detail/zbpFileIO.h"
 
-#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 
 namespace zbBase {
 
@@ -82,11 +85,23 @@ void CzbFileMgrB::copyFrom(const CzbFileMgrB& other) {
     if (other.m_writeHead != nullptr) {
         m_writeHead = copyBlock(other.m_writeHead, m_headSize);
     }
-    if (other.m_readHead != nullptr) {
-        m_readHead = copyBlock(other.m_readHead, m_headSize);
-    }
     copyBlocks(other.m_writeBodies, m_writeBodies, m_bodySize);
-    copyBlocks(other.m_readBodies, m_readBodies, m_bodySize);
+    if (other.m_readHead != nullptr) {
+        // The read side stays one image: the head, then the bodies.
+        const size_t count = other.m_readBodies.size();
+        const size_t bytes = m_headSize + count * m_bodySize;
+        m_readHead = static_cast<char*>(std::malloc(bytes > 0 ? bytes : 1));
+        if (m_readHead == nullptr) {
+            throw std::bad_alloc();
+        }
+        std::memcpy(m_readHead, other.m_readHead, m_headSize);
+        m_readBodies.reserve(count);
+        for (size_t i = 0; i < count; ++i) {
+            char* body = m_readHead + m_headSize + i * m_bodySize;
+            std::memcpy(body, other.m_readBodies[i], m_bodySize);
+            m_readBodies.push_back(body);
+        }
+    }
 }
 
 void CzbFileMgrB::SetDataSize(unsigned int headSize, unsigned int bodySize) {
@@ -114,25 +129,16 @@ bool CzbFileMgrB::AddBody(void* data) {
 }
 
 void CzbFileMgrB::MakeFile(char* path) {
-    FILE* file = zbp::fopen(path, "wb");
-    if (file == nullptr) {
+    // Written beside the file and put in its place only when whole: a failure keeps the old one.
+    zbp::AtomicFile file;
+    if (!file.open(path, "wb")) {
         return;
     }
-    if (m_writeHead != nullptr) {
-        std::fwrite(m_writeHead, 1, m_headSize, file);
-    } else {
-        // A head that was never set is written as zero bytes, so the bodies keep their places.
-        static const char zeros[4096] = {};
-        for (size_t left = m_headSize; left > 0;) {
-            size_t count = left < sizeof zeros ? left : sizeof zeros;
-            std::fwrite(zeros, 1, count, file);
-            left -= count;
-        }
+    detail::FileSink sink(file.stream());
+    if (!detail::writeRecords(*this, sink)) {
+        file.fail();
     }
-    for (const char* body : m_writeBodies) {
-        std::fwrite(body, 1, m_bodySize, file);
-    }
-    std::fclose(file);
+    file.commit();
 }
 
 bool CzbFileMgrB::OpenFile(char* path) {
@@ -142,38 +148,11 @@ bool CzbFileMgrB::OpenFile(char* path) {
         return false;
     }
     long long fileLength = zbp::_filelengthi64(zbp::_fileno(file));
-    // The length is a signed 32-bit quantity: a longer file is taken up to that length.
-    size_t length = fileLength > 0 ? static_cast<size_t>(fileLength) : 0;
-    if (length > static_cast<size_t>(INT_MAX)) {
-        length = INT_MAX;
-    }
-    if (m_bodySize == 0 && length > m_headSize) {
-        length = m_headSize; // no record lies behind the head
-    }
-    std::unique_ptr<char[]> image(new char[length > 0 ? length : 1]);
-    // Only what was really read counts, should the file have shrunk in the meantime.
-    size_t got = 0;
-    while (got < length) {
-        int n = zbp::_read(zbp::_fileno(file), image.get() + got,
-                           static_cast<unsigned int>(length - got));
-        if (n <= 0) {
-            break;
-        }
-        got += static_cast<size_t>(n);
-    }
+    detail::FileSource source(file);
+    bool read = detail::readRecordImage(
+        *this, source, fileLength > 0 ? static_cast<unsigned long long>(fileLength) : 0);
     std::fclose(file);
-
-    if (m_headSize <= got) {
-        m_readHead = copyBlock(image.get(), m_headSize);
-    }
-    if (m_bodySize > 0 && m_headSize <= got) {
-        m_readBodies.reserve((got - m_headSize) / m_bodySize);
-        for (size_t offset = m_headSize; got - offset >= m_bodySize; offset += m_bodySize) {
-            m_readBodies.push_back(nullptr);
-            m_readBodies.back() = copyBlock(image.get() + offset, m_bodySize);
-        }
-    }
-    return fileLength > 0;
+    return read;
 }
 
 void* CzbFileMgrB::GetHeadData() {
@@ -199,9 +178,10 @@ int CzbFileMgrB::MoveNext() {
 
 void CzbFileMgrB::ClearReadBuffer() {
     m_cursor = 0;
-    delete[] m_readHead;
+    // The bodies lie inside the image that the head owns.
+    std::free(m_readHead);
     m_readHead = nullptr;
-    releaseBlocks(m_readBodies);
+    std::vector<char*>().swap(m_readBodies);
 }
 
 void CzbFileMgrB::ClearWriteBuffer() {
@@ -209,5 +189,130 @@ void CzbFileMgrB::ClearWriteBuffer() {
     m_writeHead = nullptr;
     releaseBlocks(m_writeBodies);
 }
+
+namespace detail {
+
+namespace {
+// Longest image: the file length is a signed 32-bit quantity.
+const size_t kLongest = 0x7fffffff;
+// The image starts no larger than this whatever the source says it holds, and grows as bytes
+// really arrive.
+const size_t kFirstPiece = 64u << 20;
+const size_t kUnknownFirstPiece = 64u << 10;
+} // namespace
+
+bool readRecordImage(CzbFileMgrB& mgr, ByteSource& source, unsigned long long lengthHint) {
+    mgr.ClearReadBuffer();
+    if (lengthHint > kLongest) {
+        return false; // a length that the format's signed 32-bit length cannot hold
+    }
+    const size_t head = mgr.m_headSize;
+    const size_t body = mgr.m_bodySize;
+    // Without bodies only the head counts, and one byte tells an empty source.
+    size_t limit = kLongest;
+    if (body == 0) {
+        limit = head == 0 ? 1 : (head < kLongest ? head : kLongest);
+    }
+    size_t capacity = lengthHint == 0            ? kUnknownFirstPiece
+                      : lengthHint < kFirstPiece ? static_cast<size_t>(lengthHint)
+                                                 : kFirstPiece;
+    if (capacity > limit) {
+        capacity = limit;
+    }
+    char* image = static_cast<char*>(std::malloc(capacity));
+    if (image == nullptr) {
+        return false;
+    }
+    size_t got = 0;
+    for (;;) {
+        if (got < capacity) {
+            const size_t count = source.read(image + got, capacity - got);
+            if (count == 0) {
+                break;
+            }
+            got += count;
+            continue;
+        }
+        if (capacity == limit) {
+            // A source that delivers more than the longest file fails as a longer file does.
+            char more;
+            if (limit == kLongest && source.read(&more, 1) == 1) {
+                std::free(image);
+                return false;
+            }
+            break;
+        }
+        // Full: more room only once more bytes have come, so a source that holds what it
+        // said it holds is read into one piece of exactly its size.
+        char probe[4096];
+        const size_t count =
+            source.read(probe, limit - got < sizeof probe ? limit - got : sizeof probe);
+        if (count == 0) {
+            break;
+        }
+        size_t grown = capacity * 2 > kUnknownFirstPiece ? capacity * 2 : kUnknownFirstPiece;
+        if (grown > limit) {
+            grown = limit;
+        }
+        char* larger = static_cast<char*>(std::realloc(image, grown));
+        if (larger == nullptr) {
+            std::free(image);
+            return false;
+        }
+        image = larger;
+        capacity = grown;
+        std::memcpy(image + got, probe, count);
+        got += count;
+    }
+    if (got < head) {
+        std::free(image);
+        return got > 0;
+    }
+    const size_t count = body > 0 ? (got - head) / body : 0;
+    const size_t kept = head + count * body;
+    if (kept < capacity) {
+        char* fitted = static_cast<char*>(std::realloc(image, kept > 0 ? kept : 1));
+        if (fitted != nullptr) {
+            image = fitted;
+        }
+    }
+    try {
+        mgr.m_readBodies.reserve(count);
+    } catch (const std::bad_alloc&) {
+        std::free(image);
+        return false;
+    }
+    mgr.m_readHead = image;
+    for (size_t i = 0; i < count; ++i) {
+        mgr.m_readBodies.push_back(image + head + i * body);
+    }
+    return got > 0;
+}
+
+bool writeRecords(const CzbFileMgrB& mgr, ByteSink& sink) {
+    if (mgr.m_writeHead != nullptr) {
+        if (!sink.write(mgr.m_writeHead, mgr.m_headSize)) {
+            return false;
+        }
+    } else {
+        // A head that was never set is written as zero bytes, so the bodies keep their places.
+        static const char zeros[4096] = {};
+        for (size_t left = mgr.m_headSize; left > 0;) {
+            const size_t count = left < sizeof zeros ? left : sizeof zeros;
+            if (!sink.write(zeros, count)) {
+                return false;
+            }
+            left -= count;
+        }
+    }
+    for (const char* body : mgr.m_writeBodies) {
+        if (!sink.write(body, mgr.m_bodySize)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace detail
 
 } // namespace zbBase

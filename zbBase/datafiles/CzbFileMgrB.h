@@ -5,9 +5,14 @@
 // SetDataSize before OpenFile; a mismatch cannot be detected. Records are opaque bytes.
 //
 // The write side (SetHead, AddBody, MakeFile) and the read side (OpenFile, GetHeadData,
-// GetBodyData, MoveNext) are kept apart. Every block is a heap copy owned by the object;
-// blocks of the read side are lent until ClearReadBuffer, OpenFile, SetDataSize or the
+// GetBodyData, MoveNext) are kept apart. Write blocks are heap copies owned by the object. The
+// read side is one block owned by the object: m_readHead is its start and each entry of
+// m_readBodies points into it behind the head, so the bodies are released with the head and
+// never one by one. Read blocks are lent until ClearReadBuffer, OpenFile, SetDataSize or the
 // destructor. Copies duplicate every block. Both sizes stay below 2^31.
+//
+// Memory follows the file: OpenFile reads in pieces as bytes arrive, whatever length the file
+// claims, and holds the bytes it keeps once plus one pointer per body.
 //
 // The class has no lock: an object belongs to one thread at a time.
 #pragma once
@@ -33,13 +38,17 @@ public:
     bool SetHead(void* data);
     // Copies m_bodySize bytes as the next body to write; always true.
     bool AddBody(void* data);
-    // Writes the head (zero bytes when none was set) and every body, in binary mode, replacing
-    // the file. A file that cannot be created is not written; nothing is reported.
+    // Writes the head (zero bytes when none was set) and every body, in binary mode, beside
+    // the file, and puts it in the file's place only when every write, the flush and the close
+    // succeeded: a failure leaves the old file as it was. Nothing is reported.
     void MakeFile(char* path);
     // Drops the read side, then reads the file. The head is kept when the file holds all of
     // it, each body that the file holds whole, in file order; a partial last body is left
-    // out, and a body size of 0 gives no bodies. false when the file cannot be opened or is
-    // empty, true otherwise (even when it is shorter than the head).
+    // out, and a body size of 0 gives no bodies (and nothing behind the head is read). false
+    // when the file cannot be opened, is empty, is longer than 2^31-1 bytes (the longest
+    // that a signed 32-bit length describes; it is not read) or its bodies do not fit in
+    // memory, and the read side is then empty; true otherwise (even when the file is
+    // shorter than the head).
     bool OpenFile(char* path);
 
     // The head as read, or null.

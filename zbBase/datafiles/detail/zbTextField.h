@@ -17,11 +17,10 @@ inline size_t fieldLength(const char* text) {
     if (text == nullptr) {
         return 0;
     }
-    size_t length = 0;
-    while (length < kFieldSize - 1 && text[length] != '\0') {
-        ++length;
-    }
-    return length;
+    // memchr stops at the first NUL, so a shorter text is not read past its end.
+    const void* end = std::memchr(text, '\0', kFieldSize - 1);
+    return end != nullptr ? static_cast<size_t>(static_cast<const char*>(end) - text)
+                          : kFieldSize - 1;
 }
 
 // Copies the text, cut at 127 characters, with a NUL; a null text gives the empty text.

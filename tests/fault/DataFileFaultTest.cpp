@@ -1,0 +1,410 @@
+// The data file classes under faults: a full disk never costs the previous good file, a write
+// that fails is reported, and hostile files cost memory in proportion to what they hold.
+#include <zbBase/datafiles/CzbFileDB.h>
+#include <zbBase/datafiles/CzbFileMgr.h>
+#include <zbBase/datafiles/CzbFileMgrAdv.h>
+#include <zbBase/datafiles/CzbFileMgrB.h>
+
+#include "support/zbFaults.h"
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#if !defined(_WIN32)
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ZB_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ZB_SANITIZED 1
+#endif
+#endif
+
+namespace fs = std::filesystem;
+using zbtest::Text;
+
+namespace {
+
+const int kLines = 20000;
+
+size_t entries(const fs::path& folder) {
+    size_t n = 0;
+    for (auto it = fs::directory_iterator(folder); it != fs::directory_iterator(); ++it) {
+        ++n;
+    }
+    return n;
+}
+
+// The four whole-file writers, each with a 20000-line (or 20000-record) content of its own;
+// `variant` changes every byte count so that old and new files differ.
+void fillDatabase(CzbFileDB& db, int variant) {
+    char key[32], value[32];
+    for (int i = 0; i < kLines; ++i) {
+        std::snprintf(key, sizeof key, "key%05d", i);
+        std::snprintf(value, sizeof value, "v%d_%05d", variant, i);
+        db.setItem(key, value);
+    }
+}
+
+void fillSections(zbBase::CzbFileMgr& mgr, int variant) {
+    mgr.SetTitle(Text("T"));
+    char name[32];
+    for (int i = 0; i < kLines - 1; ++i) {
+        std::snprintf(name, sizeof name, "n%05d", i);
+        mgr.SetAttribute(name, variant * 100000 + i);
+    }
+}
+
+void fillRecords(zbBase::CzbFileMgrB& mgr, int variant) {
+    mgr.SetDataSize(16, 16);
+    char block[16];
+    std::memset(block, 'a' + variant, sizeof block);
+    mgr.SetHead(block);
+    for (int i = 0; i < kLines; ++i) {
+        std::memcpy(block, &i, sizeof i);
+        mgr.AddBody(block);
+    }
+}
+
+std::string blockBytes(int variant) {
+    return std::string(kLines * 16, static_cast<char>('a' + variant));
+}
+
+struct Writers {
+    std::string items, sections, records, blocks;
+    std::string blockData[2] = {blockBytes(0), blockBytes(1)};
+
+    // Each writer's result (true for MakeFile of CzbFileMgrB, which has none).
+    bool write(const std::string& path, int kind, int variant) {
+        switch (kind) {
+        case 0: {
+            CzbFileDB db;
+            fillDatabase(db, variant);
+            return db.savefile(Text(path));
+        }
+        case 1: {
+            zbBase::CzbFileMgr mgr;
+            fillSections(mgr, variant);
+            return mgr.MakeFile(Text(path));
+        }
+        case 2: {
+            zbBase::CzbFileMgrB mgr;
+            fillRecords(mgr, variant);
+            mgr.MakeFile(Text(path));
+            return true;
+        }
+        default: {
+            zbBase::CzbFileMgrAdv mgr;
+            mgr.addDataSize(&blockData[variant][0], blockData[variant].size());
+            mgr.addDataSize(nullptr, 0);
+            return mgr.writeFile(Text(path), 1.5f);
+        }
+        }
+    }
+};
+
+const char* const kKinds[] = {"savefile", "CzbFileMgr::MakeFile", "CzbFileMgrB::MakeFile",
+                              "writeFile"};
+
+// Runs the body in a child process whose address space is limited to `bytes`; the body's
+// result, 125 when an exception left it, or -1 when the child died.
+int withAddressSpace(rlim_t bytes, const std::function<int()>& body) {
+    pid_t child = fork();
+    if (child < 0) {
+        return -1;
+    }
+    if (child == 0) {
+        rlimit limit{bytes, bytes};
+        if (setrlimit(RLIMIT_AS, &limit) != 0) {
+            _exit(126);
+        }
+        int result = 125; // an exception left the body
+        try {
+            result = body();
+        } catch (...) {
+        }
+        _exit(result);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return -1;
+    }
+    return WEXITSTATUS(status);
+}
+
+// Address space the process holds now.
+rlim_t addressSpace() {
+    unsigned long pages = 0;
+    FILE* statm = std::fopen("/proc/self/statm", "r");
+    if (statm != nullptr) {
+        if (std::fscanf(statm, "%lu", &pages) != 1) {
+            pages = 0;
+        }
+        std::fclose(statm);
+    }
+    return static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+}
+
+} // namespace
+
+TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnAFullDisk) {
+    zbtest::TempFolder dir;
+    Writers writers;
+    for (int kind = 0; kind < 4; ++kind) {
+        SCOPED_TRACE(kKinds[kind]);
+        const std::string path = dir.file("file" + std::to_string(kind));
+        ASSERT_TRUE(writers.write(path, kind, 0));
+        const std::string old = zbtest::readBytes(path);
+        if (kind < 2) {
+            EXPECT_EQ(zbtest::readLines(path).size(), static_cast<size_t>(kLines));
+        }
+        {
+            zbtest::FileSizeLimit limit(64 * 1024);
+            EXPECT_EQ(writers.write(path, kind, 1), kind == 2);
+        }
+        EXPECT_TRUE(zbtest::readBytes(path) == old);
+        // A device is written in place: /dev/full takes no byte, and that is reported.
+        EXPECT_EQ(writers.write("/dev/full", kind, 1), kind == 2);
+    }
+    EXPECT_EQ(entries(dir.path()), 4u); // no new file left beside the old ones
+}
+
+TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnANearlyFullDisk) {
+    Writers writers;
+    for (int kind = 0; kind < 4; ++kind) {
+        SCOPED_TRACE(kKinds[kind]);
+        // Room for one file of some 330 KB, not for two.
+        zbtest::SmallTmpfs disk(512 * 1024);
+        if (!disk.ok()) {
+            GTEST_SKIP() << disk.why();
+        }
+        const std::string path = disk.file("data");
+        ASSERT_TRUE(writers.write(path, kind, 0));
+        const std::string old = zbtest::readBytes(path);
+        EXPECT_EQ(writers.write(path, kind, 1), kind == 2);
+        EXPECT_TRUE(zbtest::readBytes(path) == old);
+        if (kind < 2) {
+            EXPECT_EQ(zbtest::readLines(path).size(), static_cast<size_t>(kLines));
+        }
+        EXPECT_EQ(entries(disk.path()), 1u);
+    }
+}
+
+TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
+    zbtest::TempFolder dir;
+    fs::permissions(dir.path(), fs::perms::all);
+    Writers writers;
+    std::string old[4];
+    for (int kind = 0; kind < 4; ++kind) {
+        const std::string path = dir.file("file" + std::to_string(kind));
+        ASSERT_TRUE(writers.write(path, kind, 0));
+        old[kind] = zbtest::readBytes(path);
+        fs::permissions(path,
+                        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    }
+    // Each writer that reports success on a read-only file sets its bit.
+    int rc = zbtest::asUnprivileged([&] {
+        int wrote = 0;
+        for (int kind = 0; kind < 4; ++kind) {
+            if (writers.write(dir.file("file" + std::to_string(kind)), kind, 1) && kind != 2) {
+                wrote |= 1 << kind;
+            }
+        }
+        zbBase::CzbFileMgrAdv mgr;
+        if (mgr.editFile(Text(dir.file("file3")), 1, Text("edit"), 4)) {
+            wrote |= 16;
+        }
+        return wrote;
+    });
+    EXPECT_EQ(rc, 0);
+    for (int kind = 0; kind < 4; ++kind) {
+        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
+    }
+    EXPECT_EQ(entries(dir.path()), 4u);
+}
+
+TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
+    zbtest::TempFolder dir;
+    const std::string path = dir.file("blocks.bin");
+    std::string first(100000, 'f'), second(100000, 's');
+    zbBase::CzbFileMgrAdv mgr;
+    mgr.addDataSize(&first[0], first.size());
+    mgr.addDataSize(&second[0], second.size());
+    ASSERT_TRUE(mgr.writeFile(Text(path), 2.5f));
+    const std::string old = zbtest::readBytes(path);
+    std::string grown(150000, 'g');
+    {
+        // The edit stops in the middle of the first block: the header would promise sizes that
+        // the blocks do not have.
+        zbtest::FileSizeLimit limit(120000);
+        EXPECT_FALSE(mgr.editFile(Text(path), 0, &grown[0], grown.size()));
+    }
+    EXPECT_TRUE(zbtest::readBytes(path) == old);
+    EXPECT_EQ(entries(dir.path()), 1u);
+
+    zbtest::SmallTmpfs disk(256 * 1024);
+    if (!disk.ok()) {
+        GTEST_SKIP() << disk.why();
+    }
+    const std::string small = disk.file("blocks.bin");
+    ASSERT_TRUE(mgr.writeFile(Text(small), 2.5f));
+    // The edit needs a second copy beside the first, and the disk has no room for it.
+    EXPECT_FALSE(mgr.editFile(Text(small), 1, &grown[0], grown.size()));
+    EXPECT_TRUE(zbtest::readBytes(small) == old);
+    EXPECT_EQ(entries(disk.path()), 1u);
+}
+
+// The memory tests limit the address space of a child process; a sanitizer's shadow memory
+// does not fit such a limit.
+#if defined(ZB_SANITIZED)
+#define SKIP_WHEN_SANITIZED() GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
+#else
+#define SKIP_WHEN_SANITIZED()
+#endif
+
+const rlim_t kMiB = 1 << 20;
+
+TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
+    SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // A sparse head-and-body file of 2^40 bytes, under 1 GiB: longer than a 32-bit length can
+    // say, so a failed read with nothing kept and nothing read, whatever the sizes, and no
+    // exception. The same file cut to 1 MiB reads.
+    const std::string huge = dir.file("huge.bin");
+    zbtest::writeBytes(huge, "");
+    ASSERT_EQ(truncate(huge.c_str(), 1ll << 40), 0);
+    auto body = [&] {
+        zbBase::CzbFileMgrB mgr;
+        for (unsigned bodySize : {4096u, 1u, 0u}) {
+            mgr.SetDataSize(16, bodySize);
+            if (mgr.OpenFile(Text(huge)) || mgr.GetHeadData() != nullptr ||
+                !mgr.m_readBodies.empty()) {
+                return 1;
+            }
+        }
+        if (truncate(huge.c_str(), 1 << 20) != 0) {
+            return 2;
+        }
+        mgr.SetDataSize(16, 4096);
+        return mgr.OpenFile(Text(huge)) && mgr.m_readBodies.size() == 255 ? 0 : 3;
+    };
+    EXPECT_EQ(withAddressSpace(1024 * kMiB, body), 0);
+}
+
+TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
+    SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // A body size of 1 on an 8 MiB file: the bytes once and a pointer per body (some 72 MiB),
+    // not a heap block per body.
+    const std::string bodies = dir.file("bodies.bin");
+    std::string bytes(8 * kMiB, '\0');
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<char>(i * 7);
+    }
+    zbtest::writeBytes(bodies, bytes);
+    auto body = [&] {
+        zbBase::CzbFileMgrB mgr;
+        mgr.SetDataSize(0, 1);
+        if (!mgr.OpenFile(Text(bodies)) || mgr.m_readBodies.size() != bytes.size()) {
+            return 1;
+        }
+        for (size_t i = 0; i < bytes.size(); i += 4099) {
+            if (*mgr.m_readBodies[i] != bytes[i]) {
+                return 2;
+            }
+        }
+        zbBase::CzbFileMgrB copy(mgr); // one more image, not 8 million blocks
+        return *copy.m_readBodies.back() == bytes.back() ? 0 : 3;
+    };
+    EXPECT_EQ(withAddressSpace(addressSpace() + 192 * kMiB, body), 0);
+}
+
+TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
+    SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // Three million empty lines under one title are three million records of 384 bytes each:
+    // more than 1 GiB holds. The read fails with an empty table, and no exception leaves.
+    const std::string sections = dir.file("empty-lines.ini");
+    zbtest::writeBytes(sections, "[T]\nname = value\n" + std::string(3000000, '\n'));
+    auto body = [&] {
+        zbBase::CzbFileMgr mgr;
+        if (mgr.OpenFile(Text(sections)) || !mgr.m_attributes.empty()) {
+            return 1;
+        }
+        return mgr.m_title[0] == '\0' ? 0 : 2;
+    };
+    EXPECT_EQ(withAddressSpace(1024 * kMiB, body), 0);
+}
+
+TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
+    SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // An item file that does not fit: the object stays as it was, old values included.
+    const std::string items = dir.file("items.txt");
+    std::string text = "keep=`new`\n";
+    char line[32];
+    for (int i = 0; i < 1500000; ++i) {
+        std::snprintf(line, sizeof line, "k%07d=`v`\n", i);
+        text += line;
+    }
+    zbtest::writeBytes(items, text);
+    text.clear();
+    text.shrink_to_fit();
+    auto body = [&] {
+        CzbFileDB db;
+        db.setItem(Text("keep"), Text("old"));
+        db.setItem(Text("other"), 7);
+        if (db.openfile(Text(items))) {
+            return 1;
+        }
+        char value[16] = "";
+        db.getItem(Text("keep"), value, Text("gone"));
+        if (db.m_order.size() != 2 || db.m_items.size() != 2 || std::strcmp(value, "old") != 0) {
+            return 2;
+        }
+        CzbFileDB empty;
+        return !empty.openfile(Text(items)) && empty.m_items.empty() ? 0 : 3;
+    };
+    EXPECT_EQ(withAddressSpace(addressSpace() + 96 * kMiB, body), 0);
+}
+
+TEST(DataFileFault, EditOfAFileWithAHugeSparseBlock) {
+    SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // Blocks of 512 MiB (sparse) and 3 bytes: editing the first holds no block in memory.
+    const std::string blocks = dir.file("blocks.bin");
+    zbBase::CzbFileMgrAdv mgr;
+    char small[] = "abc";
+    mgr.addDataSize(nullptr, 0);
+    mgr.addDataSize(small, 3);
+    ASSERT_TRUE(mgr.writeFile(Text(blocks), 0.5f));
+    std::string file = zbtest::readBytes(blocks);
+    const unsigned long long big = 512ull << 20;
+    for (int i = 0; i < 8; ++i) {
+        file[8 + i] = static_cast<char>((big + 3) >> (8 * i)); // totalSize
+        file[152 + i] = static_cast<char>(big >> (8 * i));     // size of block 0
+    }
+    zbtest::writeBytes(blocks, file.substr(0, 168));
+    ASSERT_EQ(truncate(blocks.c_str(), static_cast<off_t>(168 + big)), 0);
+    FILE* tail = std::fopen(blocks.c_str(), "ab");
+    std::fputs("abc", tail);
+    std::fclose(tail);
+
+    auto body = [&] { return mgr.editFile(Text(blocks), 0, Text("xy"), 2) ? 0 : 1; };
+    EXPECT_EQ(withAddressSpace(addressSpace() + 64 * kMiB, body), 0);
+    const std::string edited = zbtest::readBytes(blocks);
+    EXPECT_EQ(edited.size(), 152u + 16u + 5u);
+    EXPECT_EQ(edited.substr(168), "xyabc");
+}
+
+#endif
