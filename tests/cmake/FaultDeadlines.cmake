@@ -5,3 +5,5 @@ set_tests_properties(NumericFault.MissileEndsSoonAtAnyFrameRate
                      NumericFault.InterpolationStopsAtItsSampleCeiling
                      NumericFault.InterpolationKeepsWhatItMadeWhenMemoryRunsOut
                      PROPERTIES TIMEOUT 120)
+# A destructor that waited for a player thread that never started would wait for ever.
+set_tests_properties(SimulationFault.ClockWithoutItsPlayerIsAPlainClock PROPERTIES TIMEOUT 30)

@@ -128,8 +128,10 @@ TEST(NumericFault, MissileEndsSoonAtAnyFrameRate) {
 
 TEST(NumericFault, InterpolationStopsAtItsSampleCeiling) {
     Deadline deadline(60);
-    // Linear over [0, 1e12]: whole abscissas up to the ceiling, and not one more.
+    // Linear over [0, 1e12] and on to 2e12: whole abscissas up to the ceiling, and not one
+    // more.
     CzbInterpolation curve = line(0.0, 1e12);
+    curve.AddPoint(2e12, 0.0);
     curve.CaculationLinear(0);
     ASSERT_EQ(curve.GetDataNum(), kMaxSamples);
     EXPECT_EQ(curve.GetData(kMaxSamples - 1).x, kMaxSamples - 1.0);

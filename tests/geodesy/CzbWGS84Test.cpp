@@ -193,6 +193,12 @@ TEST(CzbWGS84, NonFiniteInputEndsAtOnce) {
     // Far outside the series' domain the iteration still ends.
     CzbWGS84::_TM2Bessel(1e9, 1e12, 12.0, 46.0, &lon, &lat);
     CzbWGS84::_TM2Bessel(1e300, -1e300, 12.0, 46.0, &lon, &lat);
+    // At 1e30 m the footpoint estimates wander far from the rectifying latitude, beyond
+    // the small turn that gives their sine and cosine; the result is still the latitude of
+    // that much meridian arc, y / M0, and finite.
+    CzbWGS84::_TM2Bessel(0.0, 1e30, 12.0, 46.0, &lon, &lat);
+    EXPECT_NEAR(lat / (1e30 / 6366742.520260027 * 180.0 / 3.141592653589793), 1.0, 1e-9);
+    EXPECT_EQ(lon, 12.0);
     CzbWGS84 object;
     CzbWGS84 copy(object);
     copy = object;

@@ -77,7 +77,11 @@ TEST(CzbDEAngles, CompassHeading) {
     EXPECT_EQ(CzbDE::getHeading(1, -1), 135.0);
     EXPECT_EQ(CzbDE::getHeading(-1, -1), 225.0);
     EXPECT_EQ(CzbDE::getHeading(-1, 1), 315.0);
+    // A NaN component fits none of the quadrants, whatever the sign of the other.
     EXPECT_EQ(CzbDE::getHeading(std::nan(""), 1), 0.0);
+    EXPECT_EQ(CzbDE::getHeading(std::nan(""), -1), 0.0);
+    EXPECT_EQ(CzbDE::getHeading(1, std::nan("")), 0.0);
+    EXPECT_EQ(CzbDE::getHeading(-1, std::nan("")), 0.0);
     // getHeading and the azimuth run in opposite senses.
     CzbDE de;
     double az, el;

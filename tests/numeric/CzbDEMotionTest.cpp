@@ -78,6 +78,11 @@ TEST(CzbDEMotion, MissileOutcomes) {
     EXPECT_TRUE(de.missilesim(0, 0, 0, 0, 0, 5, 5, 0, 100, 0, 300, 0, 30));
     EXPECT_TRUE(de.missilesim(0, 0, 0, 0, 0, 5, 5, 0, -1000, 0, 300, 0, 30));
     EXPECT_FALSE(de.missilesim(0, 0, 0, 0, 0, 1, 0, 0, -100, 0, 300, 0, 30));
+    // The speed changes only when one addition takes it over 20: from 16 with 4 a pass it
+    // stays 16 and the missile turns tightly onto a target 100 behind; from 16.5 it grows
+    // and the widening circle never gets onto it.
+    EXPECT_TRUE(de.missilesim(0, 0, 0, 0, 0, 5, 5, 0, -100, 0, 16, 4, 1));
+    EXPECT_FALSE(de.missilesim(0, 0, 0, 0, 0, 5, 5, 0, -100, 0, 16.5, 4, 1));
     // Bad input answers false at once instead of flying forever.
     EXPECT_FALSE(de.missilesim(0, 0, 0, 0, 0, 5, 5, 0, 100, 0, 300, 0, 0));
     EXPECT_FALSE(de.missilesim(0, 0, 0, 0, 0, 5, 5, 0, std::nan(""), 0, 300, 0, 30));

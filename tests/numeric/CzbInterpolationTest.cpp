@@ -69,6 +69,11 @@ TEST(CzbInterpolation, CubicSplineWorkedValues) {
     CzbInterpolation assigned;
     assigned = copy;
     EXPECT_EQ(results(assigned), results(copy));
+    CzbInterpolation& self = assigned;
+    assigned = self; // to itself: both lists stay
+    EXPECT_EQ(results(assigned), results(copy));
+    assigned.CaculationCubicSpline(1.0);
+    EXPECT_EQ(results(assigned), results(copy));
 
     // One control point: earlier results stay.
     CzbInterpolation single;
@@ -148,6 +153,22 @@ TEST(CzbInterpolation, LinearAtWholeAbscissas) {
     CzbInterpolation none;
     none.CaculationLinear(0);
     EXPECT_EQ(none.GetDataNum(), 0);
+
+    // The whole-abscissa counter is an int: it stops at INT_MAX instead of wrapping, and a
+    // pair whose first abscissa plus 1 is beyond the int range gives no samples.
+    CzbInterpolation top;
+    top.AddPoint(2147483645.5, 0.0);
+    top.AddPoint(2147483648.5, 6.0);
+    top.AddPoint(5e9, 6.0);
+    top.CaculationLinear(0);
+    EXPECT_EQ(results(top), (Samples{{2147483645.5, 0}, {2147483646, 1}, {2147483647, 3}}));
+    CzbInterpolation bottom;
+    bottom.AddPoint(-5e9, 1.0);
+    bottom.AddPoint(-2147483649.5, 1.0);
+    bottom.AddPoint(-2147483647.5, 5.0);
+    bottom.CaculationLinear(0);
+    // -2147483648.5 truncates to -2147483648; the pair from -5e9 is skipped.
+    EXPECT_EQ(results(bottom), (Samples{{-5e9, 1}, {-2147483648, 4}}));
 }
 
 TEST(CzbInterpolation, PolynomialFullDegree) {

@@ -26,6 +26,14 @@ TEST(CzbMath, SegmentCrossing) {
     EXPECT_TRUE(m.GetIntersectPoint({0, 0}, {1, 0}, {1, 0}, {1, 1}, &out));
     EXPECT_EQ(out.x, 1.0);
     EXPECT_EQ(out.y, 0.0);
+    // A segment that starts on the other one (t = 0, s = 1/2) crosses it there; only a
+    // common start point is left out.
+    EXPECT_TRUE(m.GetIntersectPoint({1, 0}, {1, 1}, {0, 0}, {2, 0}, &out));
+    EXPECT_EQ(out.x, 1.0);
+    EXPECT_EQ(out.y, 0.0);
+    EXPECT_TRUE(m.GetIntersectPoint({0, 0}, {2, 0}, {1, 0}, {1, 1}, &out)); // s = 0
+    EXPECT_EQ(out.x, 1.0);
+    EXPECT_EQ(out.y, 0.0);
 
     out.set(-7, -7);
     EXPECT_FALSE(m.GetIntersectPoint({0, 0}, {1, 0}, {0, 0}, {0, 1}, &out));     // common start
@@ -33,6 +41,8 @@ TEST(CzbMath, SegmentCrossing) {
     EXPECT_FALSE(m.GetIntersectPoint({0, 0}, {2, 0}, {1, 0}, {3, 0}, &out));     // overlapping
     EXPECT_FALSE(m.GetIntersectPoint({0, 0}, {1, 1}, {3, 0}, {3, 5}, &out));     // t beyond 1
     EXPECT_FALSE(m.GetIntersectPoint({0, 0}, {4, 4}, {0, 2}, {0.5, 1.9}, &out)); // s beyond 1
+    EXPECT_FALSE(m.GetIntersectPoint({2, 2}, {3, 3}, {0, 2}, {2, 0}, &out));     // t below 0
+    EXPECT_FALSE(m.GetIntersectPoint({0, 0}, {2, 2}, {0.5, 1.5}, {1, 3}, &out)); // s below 0
     EXPECT_FALSE(m.GetIntersectPoint({0, 0}, {0, 0}, {0, 0}, {1, 1}, &out));     // zero length
     EXPECT_EQ(out.x, -7.0);
     EXPECT_EQ(out.y, -7.0);
@@ -70,6 +80,7 @@ TEST(CzbMath, PointOnLine) {
     EXPECT_TRUE(m.GetLineOnPoint({1, 2, 99}, {1, 2, 0}, {1, 2, 5}));
     EXPECT_TRUE(m.GetLineOnPoint({1, 2, 99}, {1, 2, 0}, {1, 2, 0})); // A equals B
     EXPECT_FALSE(m.GetLineOnPoint({1, 2.5, 0}, {1, 2, 0}, {1, 2, 5}));
+    EXPECT_FALSE(m.GetLineOnPoint({1.5, 2, 0}, {1, 2, 0}, {1, 2, 5}));
     // x constant along the line: only y and z are compared.
     EXPECT_TRUE(m.GetLineOnPoint({5, 5, 5}, {0, 0, 0}, {0, 1, 1}));
     EXPECT_FALSE(m.GetLineOnPoint({5, 5, 4}, {0, 0, 0}, {0, 1, 1}));

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 
 using namespace zbBase;
 
@@ -30,9 +31,20 @@ TEST(Vectors, MinusChangesLeftOperandOnlyOnThreeComponentTypes) {
     EXPECT_TRUE(r.Equals(qwPoint(4, 5)));
     EXPECT_EQ(p.x, 5);
 
+    // Plus changes neither operand on any of the four.
     zbVector3d s = zbVector3d(1, 1, 1) + b;
     EXPECT_EQ(s.z, 4.0);
     EXPECT_EQ(b.z, 3.0);
+    zbVector2d s2 = a2 + b2;
+    EXPECT_EQ(s2.x, 6.0);
+    EXPECT_EQ(s2.y, 9.0);
+    EXPECT_EQ(a2.x, 5.0);
+    EXPECT_EQ(b2.y, 2.0);
+    qwVector3f sf = af + bf;
+    EXPECT_EQ(sf.x, 5.0f);
+    EXPECT_EQ(sf.z, 9.0f);
+    EXPECT_EQ(af.x, 4.0f);
+    EXPECT_EQ(bf.z, 3.0f);
 }
 
 TEST(Vectors, LengthsDotCrossAndNormalize) {
@@ -65,6 +77,17 @@ TEST(Vectors, LengthsDotCrossAndNormalize) {
     n.Normalize();
     EXPECT_DOUBLE_EQ(n.y, 0.6);
     EXPECT_DOUBLE_EQ(n.z, 0.8);
+    // Single precision: the length is the double root of the float sum, rounded to float,
+    // and the divisions are float.
+    qwVector3f nf(1, 1, 1);
+    nf.Normalize();
+    const float root3 = static_cast<float>(std::sqrt(3.0));
+    EXPECT_EQ(nf.x, 1.0f / root3);
+    EXPECT_EQ(nf.z, 1.0f / root3);
+    qwVector3f big(3e19f, 4e19f, 0); // squares overflow float: length infinite, all zero
+    big.Normalize();
+    EXPECT_EQ(big.x, 0.0f);
+    EXPECT_EQ(big.y, 0.0f);
 
     zbVector3d u(1, 1, 1);
     u += zbVector3d(1, 2, 3);
@@ -95,6 +118,8 @@ TEST(Vectors, PointArithmeticWrapsAround) {
     qwPoint copy(sum);
     EXPECT_TRUE(copy.Equals(sum));
     EXPECT_FALSE(copy.Equals(one));
+    EXPECT_FALSE(copy.Equals(qwPoint(INT_MIN, 0)));     // x alike, y not
+    EXPECT_FALSE(copy.Equals(qwPoint(0, INT_MIN + 1))); // y alike, x not
 }
 
 TEST(Vectors, LayoutIsPlainFields) {

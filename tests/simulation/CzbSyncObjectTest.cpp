@@ -113,3 +113,52 @@ TEST(CzbSyncObject, ExclusionUnderSeveralThreads) {
     EXPECT_FALSE(gate.GetWriteState());
     EXPECT_GE(shared, 3 * 150);
 }
+
+TEST(CzbSyncObject, ExclusionUnderTightContention) {
+    // Attempts that never wait, back to back: readers and writers meet inside each other's
+    // two steps (register, then look), and one side backs off; releases of two readers at
+    // once both count.
+    CzbSyncObject gate;
+    std::atomic<int> readers{0};
+    std::atomic<int> writers{0};
+    std::atomic<int> violations{0};
+    std::atomic<int> reads{0};
+    std::atomic<int> writes{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 6; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 50000; ++i) {
+                if (t % 3 == 0) {
+                    if (!gate.SetWrite(false)) {
+                        continue;
+                    }
+                    if (writers.fetch_add(1) != 0 || readers.load() != 0) {
+                        violations += 1;
+                    }
+                    writers.fetch_sub(1);
+                    writes += 1;
+                    gate.SetWriteRelease();
+                } else {
+                    if (!gate.SetRead(false)) {
+                        continue;
+                    }
+                    readers.fetch_add(1);
+                    if (writers.load() != 0) {
+                        violations += 1;
+                    }
+                    readers.fetch_sub(1);
+                    reads += 1;
+                    gate.SetReadRelease();
+                }
+            }
+        });
+    }
+    for (std::thread& th : threads) {
+        th.join();
+    }
+    EXPECT_EQ(violations, 0);
+    EXPECT_EQ(gate.GetReadCount(), 0);
+    EXPECT_FALSE(gate.GetWriteState());
+    EXPECT_GT(reads, 0);
+    EXPECT_GT(writes, 0);
+}

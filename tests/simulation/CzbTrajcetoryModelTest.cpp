@@ -85,6 +85,26 @@ TEST(CzbTrajcetoryModel, SpeedLimits) {
     }
     EXPECT_EQ(steps, 10);
     EXPECT_EQ(m.m_targetSpeed, 0.0);
+
+    // A change that would overshoot the target speed stops on it, on both sides, and the
+    // step is made with the speed as cut.
+    CzbTrajcetoryModel cut;
+    cut.m_waypoints.push_back({0, 1000, 0, 10});
+    cut.m_currentIndex = 0;
+    cut.m_speed = 0.0;
+    cut.m_accelerationLimit = 4.0;
+    for (double expected : {4.0, 8.0, 10.0, 10.0}) {
+        cut.calculate(1.0f);
+        EXPECT_EQ(cut.m_speed, expected);
+    }
+    EXPECT_EQ(cut.m_position.y, 32.0);
+    cut.m_waypoints[0].speed = 1.5;
+    cut.m_decelerationLimit = 3.0;
+    for (double expected : {7.0, 4.0, 1.5, 1.5}) {
+        cut.calculate(1.0f);
+        EXPECT_EQ(cut.m_speed, expected);
+    }
+    EXPECT_EQ(cut.m_position.y, 46.0);
 }
 
 TEST(CzbTrajcetoryModel, TurnLimit) {

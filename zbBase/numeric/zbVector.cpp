@@ -7,7 +7,7 @@ namespace zbBase {
 
 // ---- zbVector2d ----
 
-zbVector2d::zbVector2d() : x(0.0), y(0.0) {}
+zbVector2d::zbVector2d() noexcept : x(0.0), y(0.0) {}
 zbVector2d::zbVector2d(double x_, double y_) : x(x_), y(y_) {}
 
 zbVector2d& zbVector2d::operator=(const zbVector2d& other) {
@@ -43,7 +43,7 @@ zbVector2d& zbVector2d::operator-=(const zbVector2d& other) {
 
 // ---- zbVector3d ----
 
-zbVector3d::zbVector3d() : x(0.0), y(0.0), z(0.0) {}
+zbVector3d::zbVector3d() noexcept : x(0.0), y(0.0), z(0.0) {}
 zbVector3d::zbVector3d(double x_, double y_, double z_) : x(x_), y(y_), z(z_) {}
 
 zbVector3d& zbVector3d::operator=(const zbVector3d& other) {
@@ -109,7 +109,7 @@ void zbVector3d::Normalize() {
 
 // ---- qwVector3f ----
 
-qwVector3f::qwVector3f() : x(0.0f), y(0.0f), z(0.0f) {}
+qwVector3f::qwVector3f() noexcept : x(0.0f), y(0.0f), z(0.0f) {}
 qwVector3f::qwVector3f(float x_, float y_, float z_) : x(x_), y(y_), z(z_) {}
 
 qwVector3f& qwVector3f::operator=(const qwVector3f& other) {
@@ -180,7 +180,7 @@ void qwVector3f::Normalize() {
 
 // ---- qwPoint ----
 
-qwPoint::qwPoint() : x(0), y(0) {}
+qwPoint::qwPoint() noexcept : x(0), y(0) {}
 qwPoint::qwPoint(int x_, int y_) : x(x_), y(y_) {}
 qwPoint::qwPoint(const qwPoint& other) : x(other.x), y(other.y) {}
 

@@ -19,7 +19,7 @@ public:
     double x;
     double y;
 
-    zbVector2d();
+    zbVector2d() noexcept;
     zbVector2d(double x, double y);
     zbVector2d(const zbVector2d& other) = default;
     zbVector2d& operator=(const zbVector2d& other);
@@ -37,7 +37,7 @@ public:
     double y;
     double z;
 
-    zbVector3d();
+    zbVector3d() noexcept;
     zbVector3d(double x, double y, double z);
     zbVector3d(const zbVector3d& other) = default;
     zbVector3d& operator=(const zbVector3d& other);
@@ -65,7 +65,7 @@ public:
     float y;
     float z;
 
-    qwVector3f();
+    qwVector3f() noexcept;
     qwVector3f(float x, float y, float z);
     qwVector3f(const qwVector3f& other) = default;
     qwVector3f& operator=(const qwVector3f& other);
@@ -91,7 +91,7 @@ public:
     int x;
     int y;
 
-    qwPoint();
+    qwPoint() noexcept;
     qwPoint(int x, int y);
     qwPoint(const qwPoint& other);
     qwPoint& operator=(const qwPoint& other);

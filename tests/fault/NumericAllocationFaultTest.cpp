@@ -1,0 +1,316 @@
+// Memory that runs out at a chosen allocation: the classes that promise to throw nothing keep
+// a consistent state and what they made, and those that pass std::bad_alloc on change
+// nothing. The test program replaces the global operator new; a FailingHeap in scope makes
+// this thread's allocations fail from a given one on, or above a given size, as an exhausted
+// heap would. POSIX only: a Windows program's replacement does not reach the runtime's own
+// allocations in the same way.
+#if !defined(_WIN32)
+
+#include <zbBase/numeric/CzbInterpolation.h>
+#include <zbBase/simulation/CzbWaypoint.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <new>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace {
+
+thread_local long t_failFrom = -1;     // allocations from this index on fail; -1: none
+thread_local long t_failTo = LONG_MAX; //   up to this index, not included
+thread_local size_t t_failAbove = 0;   // allocations larger than this fail; 0: none
+thread_local long t_allocations = 0;   // allocations since the heap was armed
+thread_local long t_failures = 0;      // allocations refused since then
+
+void* allocate(size_t size) {
+    const long index = t_allocations++;
+    if ((t_failFrom >= 0 && index >= t_failFrom && index < t_failTo) ||
+        (t_failAbove != 0 && size > t_failAbove)) {
+        ++t_failures;
+        return nullptr;
+    }
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+// Arms this thread's heap for as long as it is in scope; allocations are counted from 0.
+class FailingHeap {
+public:
+    // The allocation of that index and all after it fail.
+    static FailingHeap from(long index) { return FailingHeap(index, LONG_MAX, 0); }
+    // Only the allocation of that index fails.
+    static FailingHeap at(long index) { return FailingHeap(index, index + 1, 0); }
+    // Every allocation larger than that fails.
+    static FailingHeap above(size_t bytes) { return FailingHeap(-1, LONG_MAX, bytes); }
+    FailingHeap(const FailingHeap&) = delete;
+    FailingHeap& operator=(const FailingHeap&) = delete;
+    ~FailingHeap() {
+        t_failFrom = -1;
+        t_failAbove = 0;
+    }
+    // Whether any allocation was refused so far.
+    bool refused() const { return t_failures != 0; }
+
+private:
+    FailingHeap(long from, long to, size_t bytes) {
+        t_allocations = 0;
+        t_failures = 0;
+        t_failTo = to;
+        t_failAbove = bytes;
+        t_failFrom = from;
+    }
+};
+
+// Out of line, so that the compiler does not take the pairs below for a block of operator
+// new released by free.
+__attribute__((noinline)) void release(void* p) {
+    std::free(p);
+}
+
+} // namespace
+
+void* operator new(size_t size) {
+    if (void* p = allocate(size)) {
+        return p;
+    }
+    throw std::bad_alloc();
+}
+void* operator new[](size_t size) {
+    return operator new(size);
+}
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void operator delete(void* p) noexcept {
+    release(p);
+}
+void operator delete[](void* p) noexcept {
+    release(p);
+}
+void operator delete(void* p, size_t) noexcept {
+    release(p);
+}
+void operator delete[](void* p, size_t) noexcept {
+    release(p);
+}
+void operator delete(void* p, const std::nothrow_t&) noexcept {
+    release(p);
+}
+void operator delete[](void* p, const std::nothrow_t&) noexcept {
+    release(p);
+}
+
+using zbBase::CzbInterpolation;
+using zbBase::CzbWaypoint;
+using zbBase::zbVector3d;
+
+namespace {
+
+using Samples = std::vector<std::pair<double, double>>;
+
+Samples results(CzbInterpolation& c) {
+    Samples s;
+    for (int i = 0; i < c.GetDataNum(); ++i) {
+        s.push_back({c.GetData(i).x, c.GetData(i).y});
+    }
+    return s;
+}
+
+// The control points, shown by linear samples on a copy: every test point has a whole x.
+Samples points(const CzbInterpolation& c) {
+    CzbInterpolation copy(c);
+    copy.ClearPoint();
+    copy.CaculationLinear(0);
+    return results(copy);
+}
+
+bool isPrefix(const Samples& part, const Samples& whole) {
+    return part.size() <= whole.size() && std::equal(part.begin(), part.end(), whole.begin());
+}
+
+CzbInterpolation hump() {
+    CzbInterpolation c;
+    c.AddPoint(0, 0);
+    c.AddPoint(1, 1);
+    c.AddPoint(2, 0);
+    return c;
+}
+
+} // namespace
+
+TEST(NumericFault, InterpolationCopiesStayWholeOrEmptyWhenMemoryFails) {
+    CzbInterpolation source = hump();
+    source.CaculationCubicSpline(2.0);
+    const Samples sourcePoints = points(source);
+    const Samples sourceResults = results(source);
+
+    // Copy construction: the control points come first; a copy without room for them has
+    // nothing, one without room for the results has the points alone.
+    for (long from = 0;; ++from) {
+        std::optional<CzbInterpolation> copy;
+        bool refused = false;
+        {
+            FailingHeap heap = FailingHeap::from(from);
+            copy.emplace(source);
+            refused = heap.refused();
+        }
+        if (!refused) {
+            EXPECT_EQ(points(*copy), sourcePoints);
+            EXPECT_EQ(results(*copy), sourceResults);
+            EXPECT_EQ(from, 2);
+            break;
+        }
+        ASSERT_LT(from, 2);
+        EXPECT_EQ(points(*copy), from == 0 ? Samples() : sourcePoints) << from;
+        EXPECT_EQ(results(*copy), Samples()) << from;
+    }
+
+    // Assignment that memory cannot hold changes nothing.
+    for (long from = 0;; ++from) {
+        CzbInterpolation target;
+        target.AddPoint(5, 5);
+        target.AddPoint(6, 7);
+        target.CaculationLinear(0);
+        const Samples before = results(target);
+        bool refused = false;
+        {
+            FailingHeap heap = FailingHeap::from(from);
+            target = source;
+            refused = heap.refused();
+        }
+        if (!refused) {
+            EXPECT_EQ(results(target), sourceResults);
+            break;
+        }
+        EXPECT_EQ(results(target), before) << from;
+        EXPECT_EQ(points(target), (Samples{{5, 5}, {6, 7}})) << from;
+    }
+
+    // A point that memory cannot hold is dropped, at the end as at the front.
+    CzbInterpolation grown = hump(); // a copy holds exactly its points: the next one allocates
+    CzbInterpolation exact(grown);
+    {
+        FailingHeap heap = FailingHeap::from(0);
+        exact.AddPoint(3, 9);
+        exact.AddPoint(-1, 9);
+    }
+    EXPECT_EQ(points(exact), points(hump()));
+    exact.AddPoint(-1, 9);
+    EXPECT_EQ(points(exact), (Samples{{-1, 9}, {0, 0}, {1, 1}, {2, 0}}));
+}
+
+TEST(NumericFault, InterpolationKeepsItsSamplesWhateverAllocationFails) {
+    struct Calculation {
+        const char* name;
+        void (*run)(CzbInterpolation&);
+    };
+    const Calculation calculations[] = {
+        {"spline", [](CzbInterpolation& c) { c.CaculationCubicSpline(3.0); }},
+        {"linear", [](CzbInterpolation& c) { c.CaculationLinear(0); }},
+        {"polynomial", [](CzbInterpolation& c) { c.CaculationPolinomial(-1.0, 3.0, 0.25); }},
+    };
+    for (const Calculation& calc : calculations) {
+        CzbInterpolation model = hump();
+        calc.run(model);
+        const Samples whole = results(model);
+        ASSERT_GE(whole.size(), 3u) << calc.name;
+        // Every allocation from the n-th on fails, for n = 0, 1, ... until none is refused;
+        // then only the n-th fails. Either way the list is a beginning of the whole list,
+        // and losing the room reserved ahead costs no sample.
+        for (bool once : {false, true}) {
+            for (long from = 0;; ++from) {
+                CzbInterpolation curve = hump();
+                bool refused = false;
+                {
+                    FailingHeap heap = once ? FailingHeap::at(from) : FailingHeap::from(from);
+                    calc.run(curve);
+                    refused = heap.refused();
+                }
+                const Samples made = results(curve);
+                EXPECT_TRUE(isPrefix(made, whole)) << calc.name << " " << from;
+                if (!refused) {
+                    EXPECT_EQ(made, whole) << calc.name;
+                    break;
+                }
+                ASSERT_LT(from, 100) << calc.name;
+            }
+        }
+    }
+}
+
+TEST(NumericFault, InterpolationStopsWhereLargeBlocksRunOut) {
+    // Small blocks come, none above 1 MiB: the room for 2^24 samples is refused, the list
+    // grows as the samples come, and sampling stops where it can grow no more.
+    auto kept = [](CzbInterpolation& curve, double step) {
+        const int n = curve.GetDataNum();
+        EXPECT_GE(n, 1000);
+        EXPECT_LE(n, (1 << 20) / 16);
+        EXPECT_EQ(curve.GetData(n - 1).x, step * (n - 1));
+        EXPECT_EQ(curve.GetData(n / 2).x, step * (n / 2));
+    };
+    CzbInterpolation curve;
+    curve.AddPoint(0.0, 0.0);
+    curve.AddPoint(1e12, 1e12);
+    {
+        FailingHeap heap = FailingHeap::above(1 << 20);
+        curve.CaculationLinear(0);
+    }
+    kept(curve, 1.0);
+    {
+        FailingHeap heap = FailingHeap::above(1 << 20);
+        curve.CaculationPolinomial(0.0, 1e12, 1.0);
+    }
+    kept(curve, 1.0);
+    {
+        FailingHeap heap = FailingHeap::above(1 << 20);
+        curve.CaculationCubicSpline(1e9);
+    }
+    kept(curve, 1e12 / 1e9);
+}
+
+TEST(NumericFault, WaypointListStaysAsItWasWhenMemoryFails) {
+    CzbWaypoint list;
+    for (int i = 0; i < 100; ++i) {
+        list.pointAdd(zbVector3d(i, i, i));
+    }
+    CzbWaypoint other;
+    other.pointAdd(zbVector3d(7, 7, 7));
+    const zbVector3d* block = list.m_points;
+    int thrown = 0;
+    {
+        FailingHeap heap = FailingHeap::from(0);
+        try {
+            list.pointAdd(zbVector3d(1, 2, 3));
+        } catch (const std::bad_alloc&) {
+            ++thrown;
+        }
+        try {
+            list.pointInsert(0, zbVector3d(1, 2, 3));
+        } catch (const std::bad_alloc&) {
+            ++thrown;
+        }
+        try {
+            other = list;
+        } catch (const std::bad_alloc&) {
+            ++thrown;
+        }
+    }
+    EXPECT_EQ(thrown, 3);
+    EXPECT_EQ(list.m_points, block);
+    EXPECT_EQ(list.m_capacity, 100);
+    ASSERT_EQ(list.size(), 100);
+    EXPECT_EQ(list[0].x, 0.0);
+    EXPECT_EQ(list[99].z, 99.0);
+    ASSERT_EQ(other.size(), 1);
+    EXPECT_EQ(other.m_capacity, 100);
+    EXPECT_EQ(other[0].y, 7.0);
+}
+
+#endif
