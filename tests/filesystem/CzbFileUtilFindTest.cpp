@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 using fstest::TempTree;
@@ -413,16 +414,17 @@ TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
     ASSERT_EQ(whole.size(), 48u);
     ASSERT_EQ(folders, 48);
 
-    // One descriptor above those open now: the walk cannot hold one per level.
+    // Two free descriptors: the walk cannot hold one per level. The limit caps the numbers
+    // of new descriptors, so it is counted from the lowest free one (descriptors inherited
+    // from the parent may stand far above it, with free ones between).
     const size_t before = openDescriptors();
-    int highest = 0;
-    for (auto it = fs::directory_iterator("/proc/self/fd"); it != fs::directory_iterator(); ++it) {
-        highest = std::max(highest, std::stoi(it->path().filename().string()));
-    }
+    const int lowest = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(lowest, 0);
+    close(lowest);
     struct rlimit saved;
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
     struct rlimit tight = saved;
-    tight.rlim_cur = static_cast<rlim_t>(highest + 2);
+    tight.rlim_cur = static_cast<rlim_t>(lowest + 2);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &tight), 0);
     util.FindFile(Text(tree.text("*.txt")), true);
     std::vector<std::string> found = fstest::names(util.m_findData);
