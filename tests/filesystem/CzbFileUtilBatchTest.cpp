@@ -133,7 +133,7 @@ TEST(CzbFileUtilBatch, CopyFolderIsByteIdentical) {
 TEST(CzbFileUtilBatch, MoveFolderNeverLosesAFile) {
     TempTree tree;
     tree.file("src/a.txt", "a");
-    tree.file("src/sub/b.txt", "b");
+    tree.file("src/s/b.txt", "b");
     tree.file("src/blocked.txt", "must survive");
     tree.file("src/.hidden/h.txt", "h");
     // A folder in the target where a file should go makes that one copy fail.
@@ -185,4 +185,69 @@ TEST(CzbFileUtilBatch, DeleteFolderAndMakeDirectory) {
     EXPECT_FALSE(fs::exists(tree.path("p")));
     CzbFileUtil::MakeDirectory(Text(tree.text("r\\" + std::string(250, 's'))));
     EXPECT_FALSE(fs::exists(tree.path("r")));
+}
+
+TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
+    TempTree tree;
+    const size_t root = tree.text().size();
+    ASSERT_LT(root, 90u);
+    // A target deeper than the source: a name whose path there would pass 259 characters is not
+    // copied, and the move leaves it in the source.
+    const std::string target(249 - root, 't'); // its path has 250 characters
+    tree.file("src/a.txt", "a");
+    tree.file("src/s/b.txt", "b");
+    tree.file("src/long_name.txt", "stays");
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(tree.text(target)), false), 0);
+    EXPECT_EQ(fstest::readFile(tree.path(target + "/a.txt")), "a");
+    EXPECT_EQ(fstest::readFile(tree.path(target + "/s/b.txt")), "b"); // 258 characters
+    EXPECT_FALSE(fs::exists(tree.path(target + "/long_name.txt")));
+    EXPECT_EQ(fstest::readFile(tree.path("src/long_name.txt")), "stays");
+    EXPECT_FALSE(fs::exists(tree.path("src/a.txt")));
+    EXPECT_FALSE(fs::exists(tree.path("src/s")));
+
+    // A target over 259 characters, and missing arguments: 0, nothing made, nothing moved.
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")),
+                                      Text(tree.text(target + "\\" + std::string(9, 'x'))), false),
+              0);
+    EXPECT_FALSE(fs::exists(tree.path(target + "/" + std::string(9, 'x'))));
+    EXPECT_EQ(CzbFileUtil::CopyFolder(nullptr, Text(tree.text("n1")), false), 0);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), nullptr, false), 0);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(""), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(""), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(nullptr, Text(tree.text("n2")), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(""), Text(tree.text("n3")), false), 0);
+    CzbFileUtil::DeleteFolder(nullptr, false);
+    CzbFileUtil::MakeDirectory(nullptr);
+    EXPECT_EQ(fstest::readFile(tree.path("src/long_name.txt")), "stays");
+    EXPECT_FALSE(fs::exists(tree.path("n1")));
+    EXPECT_FALSE(fs::exists(tree.path("n2")));
+
+#if !defined(_WIN32)
+    // A source whose listing would pass 259 characters is not copied, so nothing of it is
+    // deleted by a move.
+    const std::string longSource = std::string(200, 'q') + "/" + std::string(255 - root - 201, 'r');
+    tree.file(longSource + "/f.txt", "f");
+    ASSERT_EQ(tree.text(longSource).size(), 256u);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(longSource)), Text(tree.text("m")), false), 0);
+    EXPECT_EQ(fstest::readFile(tree.path(longSource + "/f.txt")), "f");
+    EXPECT_FALSE(fs::exists(tree.path("m")));
+
+    // DeleteFolder skips an entry whose path would pass 511 characters, and refuses whole a
+    // folder whose listing text would.
+    const std::string deep =
+        std::string(200, 'a') + "/" + std::string(200, 'b') + "/" + std::string(97 - root, 'c');
+    ASSERT_EQ(tree.text(deep).size(), 500u);
+    tree.file(deep + "/x", "x");
+    tree.file(deep + "/name_too_long", "kept");                 // 514 characters
+    tree.file(deep + "/" + std::string(7, 'd') + "/y", "kept"); // the folder's listing is 512
+    CzbFileUtil::DeleteFolder(Text(tree.text(deep)), false);
+    EXPECT_FALSE(fs::exists(tree.path(deep + "/x")));
+    EXPECT_EQ(fstest::readFile(tree.path(deep + "/name_too_long")), "kept");
+    EXPECT_EQ(fstest::readFile(tree.path(deep + "/" + std::string(7, 'd') + "/y")), "kept");
+
+    // MakeDirectory takes a backslash right behind a colon for a drive's root: here "k:" is an
+    // ordinary name, it is not made, and so nothing below it can be.
+    CzbFileUtil::MakeDirectory(Text(tree.text("k:\\l")));
+    EXPECT_FALSE(fs::exists(tree.path("k:")));
+#endif
 }
