@@ -32,6 +32,29 @@ TEST(CzbFileUtilBatch, RenameFileReplacesTheFirstOccurrence) {
     util.RenameFile(Text(tree.text("*.bak")), Text("*"), Text("y"), false);
     EXPECT_EQ(util.getFindData()->size(), 3u);
     EXPECT_TRUE(util.getProcessData()->empty());
+
+    // Missing texts: the search runs, nothing is renamed.
+    tree.dir("dir_old");
+    util.RenameFile(Text(tree.text("*.bak")), nullptr, Text("y"), false);
+    EXPECT_EQ(util.getFindData()->size(), 3u);
+    EXPECT_TRUE(util.getProcessData()->empty());
+    util.RenameFile(Text(tree.text("*.bak")), Text("b"), nullptr, false);
+    util.RenameFile(Text(tree.text("*.bak")), nullptr, false);
+    EXPECT_EQ(util.getFindData()->size(), 3u);
+    EXPECT_TRUE(util.getProcessData()->empty());
+    util.RenameFolder(Text(tree.text("dir_*")), Text("old"), nullptr, false);
+    util.RenameFolder(Text(tree.text("dir_*")), nullptr, false);
+    EXPECT_EQ(util.getFindData()->size(), 1u);
+    EXPECT_TRUE(util.getProcessData()->empty());
+    EXPECT_TRUE(fs::is_directory(tree.path("dir_old")));
+    EXPECT_EQ(util.getFindData(nullptr), nullptr);
+    EXPECT_TRUE(fs::exists(tree.path("x_b.bak")));
+
+    // A copy assigned to itself keeps its lists.
+    CzbFileUtil& same = util;
+    util = same;
+    EXPECT_EQ(util.getFindData()->size(), 1u);
+    EXPECT_NE(util.getFindData(Text("dir_old")), nullptr);
 }
 
 TEST(CzbFileUtilBatch, RenameFileToOneNameNeverOverwrites) {
@@ -133,7 +156,7 @@ TEST(CzbFileUtilBatch, CopyFolderIsByteIdentical) {
 TEST(CzbFileUtilBatch, MoveFolderNeverLosesAFile) {
     TempTree tree;
     tree.file("src/a.txt", "a");
-    tree.file("src/s/b.txt", "b");
+    tree.file("src/sub/b.txt", "b");
     tree.file("src/blocked.txt", "must survive");
     tree.file("src/.hidden/h.txt", "h");
     // A folder in the target where a file should go makes that one copy fail.
