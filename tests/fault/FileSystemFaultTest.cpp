@@ -202,6 +202,16 @@ TEST(FileSystemFault, BatchOperationsOfAUserWhoMayNotTouchEveryFile) {
     zbtest::writeBytes(src / "secret.txt", "root only");
     zbtest::writeBytes(locked / "fixed.txt", "stays");
     zbtest::writeBytes(dir.path() / "ro.txt", "read only");
+    // Twins in the target that the user cannot compare: one source, one target unreadable.
+    zbtest::writeBytes(dst / "secret.txt", "root only");
+    zbtest::writeBytes(src / "b.txt", "b");
+    zbtest::writeBytes(dst / "b.txt", "b");
+    fs::permissions(dst, fs::perms::all);
+    fs::permissions(dst / "b.txt", fs::perms::owner_read | fs::perms::owner_write);
+    // A file open to everyone, in a folder open to everyone: the user may replace it, but
+    // cannot give the new file root as its owner.
+    zbtest::writeBytes(dir.path() / "shared.txt", "shared");
+    fs::permissions(dir.path() / "shared.txt", fs::perms::all);
     fs::permissions(dir.path(), fs::perms::all);
     fs::permissions(src, fs::perms::all);
     fs::permissions(src / "secret.txt", fs::perms::owner_read | fs::perms::owner_write);
@@ -212,6 +222,7 @@ TEST(FileSystemFault, BatchOperationsOfAUserWhoMayNotTouchEveryFile) {
     const std::string to = lib(dst);
     const std::string ro = lib(dir.path() / "ro.txt");
     const std::string fresh = lib(locked / "new.txt");
+    const std::string shared = lib(dir.path() / "shared.txt");
     int rc = zbtest::asUnprivileged([&] {
         int failures = 0;
         // A file the user may not read is not copied, so the move keeps it.
@@ -224,13 +235,19 @@ TEST(FileSystemFault, BatchOperationsOfAUserWhoMayNotTouchEveryFile) {
         // A read-only target is refused; no new file can be made in a folder closed to the user.
         failures |= zbPathFileUtil::CopytoFile(Text(from + "\\a.txt"), Text(ro)) ? 8 : 0;
         failures |= zbp::CopyFileA(ro.c_str(), fresh.c_str(), TRUE) ? 16 : 0;
+        failures |= zbPathFileUtil::CopytoFile(Text(to + "\\a.txt"), Text(shared)) ? 0 : 32;
         return failures;
     });
     EXPECT_EQ(rc, 0);
+    EXPECT_EQ(zbtest::readBytes(src / "b.txt"), "b");
+    EXPECT_EQ(zbtest::readBytes(dir.path() / "shared.txt"), "a");
+    struct stat info;
+    ASSERT_EQ(stat((dir.path() / "shared.txt").c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, geteuid() == 0 ? 65534u : geteuid());
     EXPECT_EQ(zbtest::readBytes(dst / "a.txt"), "a");
     EXPECT_FALSE(fs::exists(src / "a.txt"));
     EXPECT_EQ(zbtest::readBytes(src / "secret.txt"), "root only");
-    EXPECT_FALSE(fs::exists(dst / "secret.txt"));
+    EXPECT_EQ(zbtest::readBytes(dst / "secret.txt"), "root only");
     EXPECT_EQ(zbtest::readBytes(locked / "fixed.txt"), "stays");
     EXPECT_EQ(zbtest::readBytes(dst / "locked" / "fixed.txt"), "stays");
     EXPECT_EQ(zbtest::readBytes(dir.path() / "ro.txt"), "read only");

@@ -39,6 +39,7 @@ namespace {
 std::atomic<bool> g_unknownTypes{false};  // getdents64: every entry's type unknown
 std::atomic<bool> g_ghosts{false};        // getdents64: three entries that are not there
 std::atomic<int> g_interrupts{0};         // getdents64: this many calls fail with EINTR
+std::atomic<int> g_readErrors{0};         // getdents64: this many calls fail with EIO
 std::atomic<bool> g_noRenameFlags{false}; // renameat2: flags not supported (EINVAL)
 std::atomic<bool> g_noHardLinks{false};   // link: not supported (EPERM)
 std::atomic<bool> g_ghostsDue{true};      // the next read of a folder gets the ghosts
@@ -83,6 +84,13 @@ extern "C" ssize_t getdents64(int fd, void* buffer, size_t length) noexcept {
     while (interrupts > 0) {
         if (g_interrupts.compare_exchange_weak(interrupts, interrupts - 1)) {
             errno = EINTR;
+            return -1;
+        }
+    }
+    int errors = g_readErrors.load();
+    while (errors > 0) {
+        if (g_readErrors.compare_exchange_weak(errors, errors - 1)) {
+            errno = EIO;
             return -1;
         }
     }
@@ -257,7 +265,7 @@ TEST(PlatformFault, EntriesThatVanishBeforeTheLookAreLeftOut) {
     EXPECT_EQ(search(files, false, true).entries, txt.entries);
 }
 
-TEST(PlatformFault, AnInterruptedReadOfAFolderIsRepeated) {
+TEST(PlatformFault, AnInterruptedReadOfAFolderIsRepeatedAFailedOneEndsIt) {
     zbtest::TempFolder dir;
     const fs::path root = fs::canonical(dir.path());
     buildTree(root);
@@ -268,6 +276,15 @@ TEST(PlatformFault, AnInterruptedReadOfAFolderIsRepeated) {
     EXPECT_EQ(g_interrupts.load(), 0);
     g_interrupts = 0;
     EXPECT_EQ(interrupted, txt);
+
+    // A folder whose read fails ends its listing there and nothing else: here the first
+    // folder read, the start, gives nothing, and the walk ends without a hang.
+    g_readErrors = 1;
+    const Result failed = search(files, false, true);
+    g_readErrors = 0;
+    EXPECT_TRUE(failed.entries.empty());
+    EXPECT_EQ(failed.folders, 0);
+    EXPECT_EQ(failed.error, ENOENT);
 }
 
 TEST(PlatformFault, RenamesNeverReplaceWithoutAnAtomicNoReplaceRename) {

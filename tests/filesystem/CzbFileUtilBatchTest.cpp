@@ -254,6 +254,15 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(longSource)), Text(tree.text("m")), false), 0);
     EXPECT_EQ(fstest::readFile(tree.path(longSource + "/f.txt")), "f");
     EXPECT_FALSE(fs::exists(tree.path("m")));
+    // A source deeper than the target: the same for a source path over 259.
+    const std::string deepSource(249 - root, 'u');
+    tree.file(deepSource + "/a.txt", "a");
+    tree.file(deepSource + "/long_name.txt", "stays");
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(deepSource)), Text(tree.text("m")), false), 0);
+    EXPECT_EQ(fstest::readFile(tree.path("m/a.txt")), "a");
+    EXPECT_FALSE(fs::exists(tree.path("m/long_name.txt")));
+    EXPECT_EQ(fstest::readFile(tree.path(deepSource + "/long_name.txt")), "stays");
+    EXPECT_FALSE(fs::exists(tree.path(deepSource + "/a.txt")));
 
     // DeleteFolder skips an entry whose path would pass 511 characters, and refuses whole a
     // folder whose listing text would.

@@ -433,6 +433,12 @@ TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
     EXPECT_EQ(util.m_findData[1].attrib, 0x10u);
     chmod(tree.path("ro").c_str(), 0755);
 
+    // Devices are plain entries of size 0.
+    util.FindFile(Text("\\dev\\null"), false);
+    ASSERT_EQ(fstest::names(util.m_findData), std::vector<std::string>{"\\dev\\null"});
+    EXPECT_EQ(util.m_findData[0].attrib, 0x20u);
+    EXPECT_EQ(util.m_findData[0].size, 0);
+
     // A folder of many entries (several reads of the folder) comes out whole and in order.
     tree.dir("many");
     std::vector<std::string> many;
@@ -488,6 +494,13 @@ TEST(CzbFileUtilFind, ACurrentFolderThatCannotBeNamed) {
     EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
     util.FindFile(Text(tree.text("*.txt")), false);
     fstest::expectListed(fstest::names(util.m_findData), {tree.text("a.txt")});
+    // The current folder fits, but not with the relative folder behind it.
+    tree.enter(std::string(200, 'a') + "/" + std::string(200, 'b'));
+    util.FindFile(Text(std::string(100, 'c') + "\\*.txt"), false);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
+    util.FindFile(Text(std::string(10, 'c') + "\\*.txt"), false);
+    EXPECT_EQ(util.getLastError(), ENOENT);
 
     // A current folder that was removed has no name: nothing is found, for the reason the
     // system gives.

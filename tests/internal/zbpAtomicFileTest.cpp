@@ -101,6 +101,31 @@ TEST(zbpAtomicFile, LinksLeadToTheFileTheyName) {
     fs::create_symlink("self", root / "self");
     EXPECT_FALSE(file.open((root / "self").c_str(), "wb"));
     EXPECT_EQ(entries(root), 5u); // sub, first, ring1, ring2, self
+
+    // A link named without any folder, in the current folder.
+    const fs::path saved = fs::current_path();
+    fs::current_path(root / "sub");
+    const bool opened = file.open("hop", "wb");
+    if (opened) {
+        write(file, "here");
+    }
+    const bool committed = opened && file.commit();
+    fs::current_path(saved);
+    EXPECT_TRUE(committed);
+    EXPECT_EQ(zbtest::readBytes(root / "sub" / "data.txt"), "here");
+    EXPECT_TRUE(fs::is_symlink(root / "sub" / "hop"));
+}
+
+TEST(zbpAtomicFile, ADeviceThatRefusesWritesIsNoLongerGood) {
+    zbp::AtomicFile device;
+    ASSERT_TRUE(device.open("/dev/full", "wb"));
+    EXPECT_TRUE(device.temporaryPath().empty()); // written in place
+    EXPECT_TRUE(device.good());
+    const std::string block(100000, 'x'); // more than the stream holds back
+    EXPECT_FALSE(write(device, block));
+    EXPECT_FALSE(device.good());
+    EXPECT_FALSE(device.commit());
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
 TEST(zbpAtomicFile, TheReplacementKeepsOwnerAndPermissions) {

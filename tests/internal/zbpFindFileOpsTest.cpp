@@ -387,6 +387,10 @@ TEST(zbpFileOps, CopyReadsPastTheSizeTheSystemReports) {
     EXPECT_EQ(read(folder.path("version")), expected);
     EXPECT_TRUE(zbp::CopyFileA("\\proc\\version", folder.text("version2").c_str(), TRUE));
     EXPECT_EQ(read(folder.path("version2")), expected);
+    // A device is written where it stands, never replaced by a file.
+    EXPECT_TRUE(zbp::CopyFileA(folder.text("version").c_str(), "/dev/null", FALSE));
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_FALSE(zbp::sameFile(folder.text("none").c_str(), folder.text("version").c_str()));
 }
 #endif
 

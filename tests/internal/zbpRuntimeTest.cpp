@@ -72,6 +72,8 @@ TEST(zbpClock, CalendarTime) {
     const __time64_t before = -1;
     EXPECT_EQ(zbp::_localtime64(&before), nullptr);
     EXPECT_EQ(zbp::_localtime64(nullptr), nullptr);
+    const __time64_t farAhead = 100000000000000000; // a year beyond the range of int
+    EXPECT_EQ(zbp::_localtime64(&farAhead), nullptr);
 #endif
 }
 
