@@ -236,11 +236,13 @@ TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
     EXPECT_EQ(util.getLastError(), EINVAL);
     util.FindFolder(nullptr, true);
     EXPECT_EQ(util.getLastError(), EINVAL);
-    // A file where the folder should stand.
+    // A file where the folder should stand (the error number is the platform's).
     util.FindFile(Text(tree.text("a.txt\\*")), true);
     EXPECT_TRUE(util.m_findData.empty());
     EXPECT_EQ(util.getFindSubDirCount(), 0);
+#if !defined(_WIN32)
     EXPECT_EQ(util.getLastError(), ENOENT);
+#endif
     // Buffers that cannot take the parts get empty texts, never a part of one.
     Splitter splitter;
     const std::pair<std::string, std::string> none("", "");

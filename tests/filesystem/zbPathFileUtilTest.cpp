@@ -119,7 +119,7 @@ TEST(zbPathFileUtil, NullArgumentsAndBuiltPathsOverTheLimit) {
     // are copied.
     const size_t root = tree.text().size();
     ASSERT_LT(root, 200u);
-    const std::string target(249 - root, 't'); // 250 characters with the root
+    const std::string target(239 - root, 't'); // 240 characters with the root
     tree.dir(target);
     EXPECT_TRUE(
         zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.txt")), Text(tree.text(target))));
