@@ -179,6 +179,81 @@ TEST(FileSystemFault, CopyIntoAFolderTheUserMayNotWrite) {
     fs::permissions(dir.path(), fs::perms::owner_all);
 }
 
+TEST(FileSystemFault, ASourceThatFailsToReadLeavesTheTargetAlone) {
+    // /proc/self/mem is a regular file that fails every read at its start (EIO).
+    zbtest::TempFolder dir;
+    const fs::path target = dir.path() / "data.bin";
+    const std::string old = pattern(5000, 'o');
+    zbtest::writeBytes(target, old);
+    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text("/proc/self/mem"), Text(lib(target))));
+    EXPECT_TRUE(holds(target, old));
+    EXPECT_FALSE(zbp::CopyFileA("/proc/self/mem", lib(target).c_str(), FALSE));
+    EXPECT_TRUE(holds(target, old));
+    EXPECT_FALSE(zbp::CopyFileA("/proc/self/mem", lib(dir.path() / "new.bin").c_str(), TRUE));
+    EXPECT_EQ(listing(dir.path()), std::vector<std::string>{"data.bin"});
+}
+
+TEST(FileSystemFault, BatchOperationsOfAUserWhoMayNotTouchEveryFile) {
+    zbtest::TempFolder dir;
+    const fs::path src = dir.path() / "src";
+    const fs::path dst = dir.path() / "dst";
+    const fs::path locked = src / "locked";
+    zbtest::writeBytes(src / "a.txt", "a");
+    zbtest::writeBytes(src / "secret.txt", "root only");
+    zbtest::writeBytes(locked / "fixed.txt", "stays");
+    zbtest::writeBytes(dir.path() / "ro.txt", "read only");
+    // Twins in the target that the user cannot compare: one source, one target unreadable.
+    zbtest::writeBytes(dst / "secret.txt", "root only");
+    zbtest::writeBytes(src / "b.txt", "b");
+    zbtest::writeBytes(dst / "b.txt", "b");
+    fs::permissions(dst, fs::perms::all);
+    fs::permissions(dst / "b.txt", fs::perms::owner_read | fs::perms::owner_write);
+    // A file open to everyone, in a folder open to everyone: the user may replace it, but
+    // cannot give the new file root as its owner.
+    zbtest::writeBytes(dir.path() / "shared.txt", "shared");
+    fs::permissions(dir.path() / "shared.txt", fs::perms::all);
+    fs::permissions(dir.path(), fs::perms::all);
+    fs::permissions(src, fs::perms::all);
+    fs::permissions(src / "secret.txt", fs::perms::owner_read | fs::perms::owner_write);
+    fs::permissions(locked, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(dir.path() / "ro.txt", fs::perms::owner_read | fs::perms::others_read);
+
+    const std::string from = lib(src);
+    const std::string to = lib(dst);
+    const std::string ro = lib(dir.path() / "ro.txt");
+    const std::string fresh = lib(locked / "new.txt");
+    const std::string shared = lib(dir.path() / "shared.txt");
+    int rc = zbtest::asUnprivileged([&] {
+        int failures = 0;
+        // A file the user may not read is not copied, so the move keeps it.
+        failures |= CzbFileUtil::MoveFolder(Text(from), Text(to), false) == 0 ? 0 : 1;
+        // A file the user may not delete is not recorded as deleted.
+        CzbFileUtil util;
+        util.DeleteFiles(Text(from + "\\locked\\*.txt"), true);
+        failures |= util.getFindData()->size() == 1 ? 0 : 2;
+        failures |= util.getProcessData()->size() == 0 ? 0 : 4;
+        // A read-only target is refused; no new file can be made in a folder closed to the user.
+        failures |= zbPathFileUtil::CopytoFile(Text(from + "\\a.txt"), Text(ro)) ? 8 : 0;
+        failures |= zbp::CopyFileA(ro.c_str(), fresh.c_str(), TRUE) ? 16 : 0;
+        failures |= zbPathFileUtil::CopytoFile(Text(to + "\\a.txt"), Text(shared)) ? 0 : 32;
+        return failures;
+    });
+    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(zbtest::readBytes(src / "b.txt"), "b");
+    EXPECT_EQ(zbtest::readBytes(dir.path() / "shared.txt"), "a");
+    struct stat info;
+    ASSERT_EQ(stat((dir.path() / "shared.txt").c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, geteuid() == 0 ? 65534u : geteuid());
+    EXPECT_EQ(zbtest::readBytes(dst / "a.txt"), "a");
+    EXPECT_FALSE(fs::exists(src / "a.txt"));
+    EXPECT_EQ(zbtest::readBytes(src / "secret.txt"), "root only");
+    EXPECT_EQ(zbtest::readBytes(dst / "secret.txt"), "root only");
+    EXPECT_EQ(zbtest::readBytes(locked / "fixed.txt"), "stays");
+    EXPECT_EQ(zbtest::readBytes(dst / "locked" / "fixed.txt"), "stays");
+    EXPECT_EQ(zbtest::readBytes(dir.path() / "ro.txt"), "read only");
+    EXPECT_FALSE(fs::exists(locked / "new.txt"));
+}
+
 TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     zbtest::TempFolder dir;
     const fs::path outside = dir.path() / "outside";

@@ -32,6 +32,29 @@ TEST(CzbFileUtilBatch, RenameFileReplacesTheFirstOccurrence) {
     util.RenameFile(Text(tree.text("*.bak")), Text("*"), Text("y"), false);
     EXPECT_EQ(util.getFindData()->size(), 3u);
     EXPECT_TRUE(util.getProcessData()->empty());
+
+    // Missing texts: the search runs, nothing is renamed.
+    tree.dir("dir_old");
+    util.RenameFile(Text(tree.text("*.bak")), nullptr, Text("y"), false);
+    EXPECT_EQ(util.getFindData()->size(), 3u);
+    EXPECT_TRUE(util.getProcessData()->empty());
+    util.RenameFile(Text(tree.text("*.bak")), Text("b"), nullptr, false);
+    util.RenameFile(Text(tree.text("*.bak")), nullptr, false);
+    EXPECT_EQ(util.getFindData()->size(), 3u);
+    EXPECT_TRUE(util.getProcessData()->empty());
+    util.RenameFolder(Text(tree.text("dir_*")), Text("old"), nullptr, false);
+    util.RenameFolder(Text(tree.text("dir_*")), nullptr, false);
+    EXPECT_EQ(util.getFindData()->size(), 1u);
+    EXPECT_TRUE(util.getProcessData()->empty());
+    EXPECT_TRUE(fs::is_directory(tree.path("dir_old")));
+    EXPECT_EQ(util.getFindData(nullptr), nullptr);
+    EXPECT_TRUE(fs::exists(tree.path("x_b.bak")));
+
+    // A copy assigned to itself keeps its lists.
+    CzbFileUtil& same = util;
+    util = same;
+    EXPECT_EQ(util.getFindData()->size(), 1u);
+    EXPECT_NE(util.getFindData(Text("dir_old")), nullptr);
 }
 
 TEST(CzbFileUtilBatch, RenameFileToOneNameNeverOverwrites) {
@@ -185,4 +208,78 @@ TEST(CzbFileUtilBatch, DeleteFolderAndMakeDirectory) {
     EXPECT_FALSE(fs::exists(tree.path("p")));
     CzbFileUtil::MakeDirectory(Text(tree.text("r\\" + std::string(250, 's'))));
     EXPECT_FALSE(fs::exists(tree.path("r")));
+}
+
+TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
+    TempTree tree;
+    const size_t root = tree.text().size();
+    ASSERT_LT(root, 90u);
+    // A target deeper than the source: a name whose path there would pass 259 characters is not
+    // copied, and the move leaves it in the source.
+    const std::string target(249 - root, 't'); // its path has 250 characters
+    tree.file("src/a.txt", "a");
+    tree.file("src/s/b.txt", "b");
+    tree.file("src/long_name.txt", "stays");
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(tree.text(target)), false), 0);
+    EXPECT_EQ(fstest::readFile(tree.path(target + "/a.txt")), "a");
+    EXPECT_EQ(fstest::readFile(tree.path(target + "/s/b.txt")), "b"); // 258 characters
+    EXPECT_FALSE(fs::exists(tree.path(target + "/long_name.txt")));
+    EXPECT_EQ(fstest::readFile(tree.path("src/long_name.txt")), "stays");
+    EXPECT_FALSE(fs::exists(tree.path("src/a.txt")));
+    EXPECT_FALSE(fs::exists(tree.path("src/s")));
+
+    // A target over 259 characters, and missing arguments: 0, nothing made, nothing moved.
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")),
+                                      Text(tree.text(target + "\\" + std::string(9, 'x'))), false),
+              0);
+    EXPECT_FALSE(fs::exists(tree.path(target + "/" + std::string(9, 'x'))));
+    EXPECT_EQ(CzbFileUtil::CopyFolder(nullptr, Text(tree.text("n1")), false), 0);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), nullptr, false), 0);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(""), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(""), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(nullptr, Text(tree.text("n2")), false), 0);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(""), Text(tree.text("n3")), false), 0);
+    CzbFileUtil::DeleteFolder(nullptr, false);
+    CzbFileUtil::MakeDirectory(nullptr);
+    EXPECT_EQ(fstest::readFile(tree.path("src/long_name.txt")), "stays");
+    EXPECT_FALSE(fs::exists(tree.path("n1")));
+    EXPECT_FALSE(fs::exists(tree.path("n2")));
+
+#if !defined(_WIN32)
+    // A source whose listing would pass 259 characters is not copied, so nothing of it is
+    // deleted by a move.
+    const std::string longSource = std::string(200, 'q') + "/" + std::string(255 - root - 201, 'r');
+    tree.file(longSource + "/f.txt", "f");
+    ASSERT_EQ(tree.text(longSource).size(), 256u);
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(longSource)), Text(tree.text("m")), false), 0);
+    EXPECT_EQ(fstest::readFile(tree.path(longSource + "/f.txt")), "f");
+    EXPECT_FALSE(fs::exists(tree.path("m")));
+    // A source deeper than the target: the same for a source path over 259.
+    const std::string deepSource(249 - root, 'u');
+    tree.file(deepSource + "/a.txt", "a");
+    tree.file(deepSource + "/long_name.txt", "stays");
+    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(deepSource)), Text(tree.text("m")), false), 0);
+    EXPECT_EQ(fstest::readFile(tree.path("m/a.txt")), "a");
+    EXPECT_FALSE(fs::exists(tree.path("m/long_name.txt")));
+    EXPECT_EQ(fstest::readFile(tree.path(deepSource + "/long_name.txt")), "stays");
+    EXPECT_FALSE(fs::exists(tree.path(deepSource + "/a.txt")));
+
+    // DeleteFolder skips an entry whose path would pass 511 characters, and refuses whole a
+    // folder whose listing text would.
+    const std::string deep =
+        std::string(200, 'a') + "/" + std::string(200, 'b') + "/" + std::string(97 - root, 'c');
+    ASSERT_EQ(tree.text(deep).size(), 500u);
+    tree.file(deep + "/x", "x");
+    tree.file(deep + "/name_too_long", "kept");                 // 514 characters
+    tree.file(deep + "/" + std::string(7, 'd') + "/y", "kept"); // the folder's listing is 512
+    CzbFileUtil::DeleteFolder(Text(tree.text(deep)), false);
+    EXPECT_FALSE(fs::exists(tree.path(deep + "/x")));
+    EXPECT_EQ(fstest::readFile(tree.path(deep + "/name_too_long")), "kept");
+    EXPECT_EQ(fstest::readFile(tree.path(deep + "/" + std::string(7, 'd') + "/y")), "kept");
+
+    // MakeDirectory takes a backslash right behind a colon for a drive's root: here "k:" is an
+    // ordinary name, it is not made, and so nothing below it can be.
+    CzbFileUtil::MakeDirectory(Text(tree.text("k:\\l")));
+    EXPECT_FALSE(fs::exists(tree.path("k:")));
+#endif
 }

@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 using fstest::TempTree;
@@ -33,15 +34,25 @@ void buildTree(const TempTree& tree) {
     tree.file(".dot/e.txt");
 }
 
-// Exposes the split of a search path.
+// Exposes the split of a search path and the recursion steps.
 class Splitter : public CzbFileUtil {
 public:
-    std::pair<std::string, std::string> split(const std::string& path) {
-        char folder[512];
-        char pattern[256];
-        makeAbPathWildcard(Text(path), folder, sizeof folder, pattern, sizeof pattern);
+    std::pair<std::string, std::string> split(const std::string& path, int folderSize = 512,
+                                              int patternSize = 256) {
+        char folder[512] = "x";
+        char pattern[256] = "x";
+        makeAbPathWildcard(Text(path), folder, folderSize, pattern, patternSize);
         return {folder, pattern};
     }
+    std::pair<std::string, std::string> splitFolder(const std::string& path) {
+        char folder[512];
+        char pattern[256];
+        makeAbPathWildcardFolder(Text(path), folder, sizeof folder, pattern, sizeof pattern);
+        return {folder, pattern};
+    }
+    using CzbFileUtil::FindFileSubDir;
+    using CzbFileUtil::FindFolderSubDir;
+    using CzbFileUtil::makeAbPathWildcard;
 };
 
 } // namespace
@@ -165,6 +176,45 @@ TEST(CzbFileUtilFind, RelativePathsAndSeparators) {
 #endif
 }
 
+TEST(CzbFileUtilFind, RecursionStepsAddToTheLists) {
+    TempTree tree;
+    buildTree(tree);
+    tree.dir("sub/empty");
+    tree.file("sub/.dot/f.txt");
+    Splitter util;
+    util.FindFile(Text(tree.text("a.txt")), false);
+    ASSERT_EQ(util.getFindData()->size(), 1u);
+    ASSERT_EQ(util.getFindSubDirCount(), 1);
+
+    // A step counts its folder whether or not it holds a match, appends what it finds below
+    // the entries already listed, and leaves the error of the last search alone.
+    util.FindFileSubDir(Text(tree.text("sub") + "\\"), Text("*.txt"));
+    fstest::expectListed(
+        fstest::names(util.m_findData),
+        {tree.text("a.txt"), tree.text("sub\\c.txt"), tree.text("sub\\deep\\d.txt")});
+    EXPECT_EQ(util.getFindSubDirCount(), 1 + 3); // sub, sub\deep, sub\empty
+    EXPECT_EQ(util.getLastError(), ENOENT);
+    util.FindFileSubDir(Text(tree.text("sub\\empty") + "\\"), Text("*.txt"));
+    EXPECT_EQ(util.getFindData()->size(), 3u);
+    EXPECT_EQ(util.getFindSubDirCount(), 5);
+
+    util.clear();
+    util.FindFolderSubDir(tree.text("sub\\").c_str(), "*");
+    fstest::expectListed(fstest::names(util.m_findData),
+                         {tree.text("sub\\deep"), tree.text("sub\\empty")});
+    EXPECT_EQ(util.getFindSubDirCount(), 3);
+    EXPECT_EQ(util.getLastError(), 1);
+
+    // The folder is plain text put in front of each name: an empty one is the current folder.
+    tree.enter();
+    util.clear();
+    util.FindFileSubDir(Text(""), Text("a.txt"));
+    fstest::expectListed(fstest::names(util.m_findData), {"a.txt"});
+    EXPECT_EQ(util.splitFolder("sub\\*.c"), util.split("sub\\*.c"));
+    EXPECT_EQ(util.splitFolder("sub\\*.c"),
+              std::make_pair(tree.text("sub") + "\\", std::string("*.c")));
+}
+
 TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
     TempTree tree;
     buildTree(tree);
@@ -181,6 +231,32 @@ TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
         util.FindFolder(Text(path), false);
         EXPECT_TRUE(util.m_findData.empty());
     }
+    util.FindFile(nullptr, true);
+    EXPECT_TRUE(util.m_findData.empty());
+    EXPECT_EQ(util.getLastError(), EINVAL);
+    util.FindFolder(nullptr, true);
+    EXPECT_EQ(util.getLastError(), EINVAL);
+    // A file where the folder should stand (the error number is the platform's).
+    util.FindFile(Text(tree.text("a.txt\\*")), true);
+    EXPECT_TRUE(util.m_findData.empty());
+    EXPECT_EQ(util.getFindSubDirCount(), 0);
+#if !defined(_WIN32)
+    EXPECT_EQ(util.getLastError(), ENOENT);
+#endif
+    // Buffers that cannot take the parts get empty texts, never a part of one.
+    Splitter splitter;
+    const std::pair<std::string, std::string> none("", "");
+    EXPECT_EQ(splitter.split(tree.text("a.txt"), 8, 256), none);
+    EXPECT_EQ(splitter.split(tree.text("a.txt"), 512, 5), none);
+    EXPECT_EQ(splitter.split(tree.text("a.txt"), 512, 0),
+              std::make_pair(std::string(""), std::string("x")));
+    EXPECT_EQ(splitter.split(tree.text("a.txt"), -1, 256),
+              std::make_pair(std::string("x"), std::string("")));
+    char folder[16] = "x";
+    splitter.makeAbPathWildcard(Text("a.txt"), folder, sizeof folder, nullptr, 256);
+    EXPECT_STREQ(folder, "");
+    splitter.makeAbPathWildcard(nullptr, folder, sizeof folder, nullptr, 0);
+    EXPECT_STREQ(folder, "");
     // Over the limits nothing is searched.
     std::string longFolder = tree.text() + "\\" + std::string(300, 'f') + "\\*.txt";
     std::string longPattern = tree.text() + "\\" + std::string(256, 'p');
@@ -359,6 +435,12 @@ TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
     EXPECT_EQ(util.m_findData[1].attrib, 0x10u);
     chmod(tree.path("ro").c_str(), 0755);
 
+    // Devices are plain entries of size 0.
+    util.FindFile(Text("\\dev\\null"), false);
+    ASSERT_EQ(fstest::names(util.m_findData), std::vector<std::string>{"\\dev\\null"});
+    EXPECT_EQ(util.m_findData[0].attrib, 0x20u);
+    EXPECT_EQ(util.m_findData[0].size, 0);
+
     // A folder of many entries (several reads of the folder) comes out whole and in order.
     tree.dir("many");
     std::vector<std::string> many;
@@ -398,6 +480,52 @@ TEST(CzbFileUtilFind, AFolderThatCannotBeReadEndsNothing) {
     fs::permissions(tree.path("a/locked"), fs::perms::owner_all);
 }
 
+TEST(CzbFileUtilFind, ACurrentFolderThatCannotBeNamed) {
+    TempTree tree;
+    tree.file("a.txt");
+    // A current folder of more than 511 characters: a relative search finds nothing (its
+    // folder would pass the limit), an absolute one is not affected.
+    const std::string deep =
+        std::string(200, 'a') + "/" + std::string(200, 'b') + "/" + std::string(200, 'c');
+    tree.file(deep + "/x.txt");
+    tree.enter(deep);
+    CzbFileUtil util;
+    util.FindFile(Text("*.txt"), true);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getFindSubDirCount(), 0);
+    EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
+    util.FindFile(Text(tree.text("*.txt")), false);
+    fstest::expectListed(fstest::names(util.m_findData), {tree.text("a.txt")});
+    // The current folder fits, but not with the relative folder behind it.
+    tree.enter(std::string(200, 'a') + "/" + std::string(200, 'b'));
+    util.FindFile(Text(std::string(100, 'c') + "\\*.txt"), false);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
+    util.FindFile(Text(std::string(10, 'c') + "\\*.txt"), false);
+    EXPECT_EQ(util.getLastError(), ENOENT);
+
+    // A current folder that was removed has no name: nothing is found, for the reason the
+    // system gives.
+    tree.dir("gone");
+    tree.enter("gone");
+    fs::remove(tree.path("gone"));
+    util.FindFile(Text("*.txt"), true);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getLastError(), ENOENT);
+    util.FindFolder(Text("*"), true);
+    EXPECT_TRUE(util.getFindData()->empty());
+    EXPECT_EQ(util.getLastError(), ENOENT);
+
+    // A directory part of 256 or 257 characters (255 after a drive on Windows) is refused
+    // whole rather than cut.
+    for (size_t length : {254u, 255u}) {
+        util.FindFile(Text("/" + std::string(length, 'd') + "/*.txt"), false);
+        EXPECT_EQ(util.getLastError(), ENAMETOOLONG) << length;
+    }
+    util.FindFile(Text("/" + std::string(253, 'd') + "/*.txt"), false);
+    EXPECT_EQ(util.getLastError(), ENOENT);
+}
+
 TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
     TempTree tree;
     std::string deep;
@@ -413,16 +541,17 @@ TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
     ASSERT_EQ(whole.size(), 48u);
     ASSERT_EQ(folders, 48);
 
-    // One descriptor above those open now: the walk cannot hold one per level.
+    // Two free descriptors: the walk cannot hold one per level. The limit caps the numbers
+    // of new descriptors, so it is counted from the lowest free one (descriptors inherited
+    // from the parent may stand far above it, with free ones between).
     const size_t before = openDescriptors();
-    int highest = 0;
-    for (auto it = fs::directory_iterator("/proc/self/fd"); it != fs::directory_iterator(); ++it) {
-        highest = std::max(highest, std::stoi(it->path().filename().string()));
-    }
+    const int lowest = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(lowest, 0);
+    close(lowest);
     struct rlimit saved;
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &saved), 0);
     struct rlimit tight = saved;
-    tight.rlim_cur = static_cast<rlim_t>(highest + 2);
+    tight.rlim_cur = static_cast<rlim_t>(lowest + 2);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &tight), 0);
     util.FindFile(Text(tree.text("*.txt")), true);
     std::vector<std::string> found = fstest::names(util.m_findData);

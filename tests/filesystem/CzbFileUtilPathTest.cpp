@@ -141,6 +141,10 @@ TEST(CzbFileUtilPath, ChangeAbsolutePathTable) {
         {"\\\\host\\s", "\\host\\s"},
         {"a\\...\\b", "a\\...\\b"},
         {"/x//y/./z/../", "\\x\\y\\"},
+        {"a\\..", "a"},           // no backslash before a: nothing to take off
+        {"x\\.a\\..\\b", "x\\b"}, // a dot name is a name
+        {"x\\.a", "x\\.a"},
+        {"\\.", ""},
     };
     for (const auto& row : table) {
         SCOPED_TRACE(row[0]);
@@ -151,4 +155,31 @@ TEST(CzbFileUtilPath, ChangeAbsolutePathTable) {
     EXPECT_EQ(normalised(fits), "a\\" + std::string(509, 'b'));
     std::string over = "a/" + std::string(510, 'b');
     EXPECT_EQ(normalised(over), over);
+}
+
+TEST(CzbFileUtilPath, NullAndTooSmallArguments) {
+    EXPECT_EQ(CzbFileUtil::getFileExt(nullptr), nullptr);
+    EXPECT_EQ(CzbFileUtil::getFileName(nullptr), nullptr);
+    EXPECT_EQ(CzbFileUtil::getLastPath(nullptr), nullptr);
+    EXPECT_EQ(CzbFileUtil::isNetworkPath(nullptr), -1);
+    CzbFileUtil::changeAbsolutePath(nullptr);
+
+    char path[] = "D:\\dir\\name.txt";
+    char buffer[16];
+    std::memset(buffer, 'z', sizeof buffer);
+    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, nullptr), -1);
+    EXPECT_EQ(buffer[0], '\0');
+    EXPECT_EQ(CzbFileUtil::getLastPath(nullptr, 16, path), -1);
+    std::memset(buffer, 'z', sizeof buffer);
+    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, 0, path), -1);
+    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, -5, path), -1);
+    EXPECT_EQ(buffer[0], 'z'); // a size below 1 gives no room to write into
+    CzbFileUtil::getPath(nullptr, 16, path);
+    CzbFileUtil::getPath(buffer, 0, path);
+    CzbFileUtil::getPath(buffer, -1, path);
+    EXPECT_EQ(buffer[0], 'z');
+    CzbFileUtil::getPath(buffer, sizeof buffer, nullptr);
+    EXPECT_EQ(buffer[0], '\0');
+    EXPECT_EQ(buffer[sizeof buffer - 1], '\0');
+    EXPECT_STREQ(path, "D:\\dir\\name.txt"); // never changed
 }

@@ -100,3 +100,41 @@ TEST(zbPathFileUtil, CreateFolderFromTheTopDown) {
     EXPECT_FALSE(fs::exists(tree.path("r")));
     zbPathFileUtil::CreateFolder(Text(""));
 }
+
+TEST(zbPathFileUtil, NullArgumentsAndBuiltPathsOverTheLimit) {
+    TempTree tree;
+    tree.file("src/a.txt", "a");
+    tree.file("src/" + std::string(20, 'n') + ".txt", "n");
+    EXPECT_FALSE(zbPathFileUtil::CopytoFile(nullptr, Text(tree.text("x"))));
+    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(tree.text("src\\a.txt")), nullptr));
+    EXPECT_FALSE(zbPathFileUtil::CopytoFolder(nullptr, Text(tree.text("src"))));
+    EXPECT_FALSE(zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.txt")), nullptr));
+    EXPECT_FALSE(zbPathFileUtil::RemoveFile(nullptr));
+    zbPathFileUtil::CreateFolder(nullptr);
+    // A pattern of 256 characters is refused.
+    EXPECT_FALSE(zbPathFileUtil::RemoveFile(Text(tree.text("src\\" + std::string(256, '?')))));
+    EXPECT_TRUE(fs::exists(tree.path("src/a.txt")));
+
+    // A target path over 259 characters cannot be built: that entry is skipped, the others
+    // are copied.
+    const size_t root = tree.text().size();
+    ASSERT_LT(root, 200u);
+    const std::string target(239 - root, 't'); // 240 characters with the root
+    tree.dir(target);
+    EXPECT_TRUE(
+        zbPathFileUtil::CopytoFolder(Text(tree.text("src\\*.txt")), Text(tree.text(target))));
+    EXPECT_EQ(fstest::readFile(tree.path(target + "/a.txt")), "a");
+    EXPECT_FALSE(fs::exists(tree.path(target + "/" + std::string(20, 'n') + ".txt")));
+#if !defined(_WIN32)
+    // The same for a source path: neither copied nor removed.
+    const std::string source = target + "/s";
+    tree.file(source + "/b.txt", "b");
+    tree.file(source + "/" + std::string(20, 'n') + ".txt", "n");
+    EXPECT_TRUE(
+        zbPathFileUtil::CopytoFolder(Text(tree.text(source + "\\*.txt")), Text(tree.text("src"))));
+    EXPECT_EQ(fstest::readFile(tree.path("src/b.txt")), "b");
+    EXPECT_TRUE(zbPathFileUtil::RemoveFile(Text(tree.text(source + "\\*.txt"))));
+    EXPECT_FALSE(fs::exists(tree.path(source + "/b.txt")));
+    EXPECT_EQ(fstest::readFile(tree.path(source + "/" + std::string(20, 'n') + ".txt")), "n");
+#endif
+}

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -321,5 +322,106 @@ TEST(zbpFind, LinksAreListedWithTheirTargetsRecord) {
     EXPECT_EQ(zbp::removeFolderLink((folder.text("to_dir") + "\\").c_str()), 0);
     EXPECT_FALSE(fs::is_symlink(folder.path("to_dir")));
     EXPECT_TRUE(fs::is_directory(folder.path("dir")));
+}
+#endif
+
+TEST(zbpFileOps, CopyToANewNameAndCompareContents) {
+    Folder folder;
+    folder.file("src.bin", std::string(70000, 's'));
+    const fs::file_time_type written =
+        fs::last_write_time(folder.path("src.bin")) - std::chrono::hours(30);
+    fs::last_write_time(folder.path("src.bin"), written);
+    // With failIfExists the copy goes to a new file of its own, with the source's record.
+    EXPECT_TRUE(
+        zbp::CopyFileA(folder.text("src.bin").c_str(), folder.text("new.bin").c_str(), TRUE));
+    EXPECT_EQ(read(folder.path("new.bin")), std::string(70000, 's'));
+    EXPECT_EQ(fs::last_write_time(folder.path("new.bin")), written);
+    EXPECT_FALSE(
+        zbp::CopyFileA(folder.text("src.bin").c_str(), folder.text("no\\new.bin").c_str(), TRUE));
+    EXPECT_FALSE(fs::exists(folder.path("no")));
+    EXPECT_FALSE(zbp::CopyFileA(nullptr, folder.text("x.bin").c_str(), FALSE));
+    EXPECT_FALSE(zbp::CopyFileA(folder.text("src.bin").c_str(), nullptr, FALSE));
+    EXPECT_FALSE(zbp::CopyFileA(folder.text("none").c_str(), folder.text("x.bin").c_str(), FALSE));
+    EXPECT_FALSE(fs::exists(folder.path("x.bin")));
+
+    // Contents are compared block by block, past the first block too.
+    std::string big(200000, 'b');
+    folder.file("big1", big);
+    folder.file("big2", big);
+    big[150000] = 'c';
+    folder.file("big3", big);
+    EXPECT_TRUE(zbp::sameFileContent(folder.text("big1").c_str(), folder.text("big2").c_str()));
+    EXPECT_FALSE(zbp::sameFileContent(folder.text("big1").c_str(), folder.text("big3").c_str()));
+    folder.file("short", std::string(65536, 'b'));
+    EXPECT_FALSE(zbp::sameFileContent(folder.text("big1").c_str(), folder.text("short").c_str()));
+    EXPECT_FALSE(zbp::sameFileContent(nullptr, folder.text("big1").c_str()));
+    EXPECT_FALSE(zbp::sameFileContent(folder.text("big1").c_str(), nullptr));
+    EXPECT_FALSE(zbp::sameFile(nullptr, folder.text("big1").c_str()));
+    EXPECT_FALSE(zbp::sameFile(folder.text("big1").c_str(), nullptr));
+    EXPECT_FALSE(zbp::isFolderLink(nullptr));
+    EXPECT_FALSE(zbp::isFolderLink(""));
+    EXPECT_EQ(zbp::removeFolderLink(folder.text("big1").c_str()), -1);
+    EXPECT_TRUE(fs::exists(folder.path("big1")));
+
+#if !defined(_WIN32)
+    // Null paths fail with EINVAL, as the runtime's checked functions do.
+    errno = 0;
+    EXPECT_EQ(zbp::remove(nullptr), -1);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(zbp::rename(nullptr, folder.text("a").c_str()), -1);
+    EXPECT_EQ(zbp::rename(folder.text("big1").c_str(), nullptr), -1);
+    EXPECT_EQ(zbp::_mkdir(nullptr), -1);
+    EXPECT_EQ(zbp::_rmdir(nullptr), -1);
+    EXPECT_FALSE(zbp::CreateDirectoryA(nullptr, nullptr));
+    EXPECT_TRUE(fs::exists(folder.path("big1")));
+#endif
+}
+
+#if defined(__linux__)
+TEST(zbpFileOps, CopyReadsPastTheSizeTheSystemReports) {
+    // Files of /proc say they hold 0 bytes and hold more: the copy takes what reading gives.
+    Folder folder;
+    const std::string expected = read("/proc/version");
+    ASSERT_FALSE(expected.empty());
+    EXPECT_TRUE(zbp::CopyFileA("/proc/version", folder.text("version").c_str(), FALSE));
+    EXPECT_EQ(read(folder.path("version")), expected);
+    EXPECT_TRUE(zbp::CopyFileA("\\proc\\version", folder.text("version2").c_str(), TRUE));
+    EXPECT_EQ(read(folder.path("version2")), expected);
+    // A device is written where it stands, never replaced by a file.
+    EXPECT_TRUE(zbp::CopyFileA(folder.text("version").c_str(), "/dev/null", FALSE));
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_FALSE(zbp::sameFile(folder.text("none").c_str(), folder.text("version").c_str()));
+}
+#endif
+
+#if !defined(_WIN32)
+TEST(zbpFind, BadHandlesAndTheRootFolder) {
+    __finddata64_t data;
+    errno = 0;
+    EXPECT_EQ(zbp::_findfirst64(nullptr, &data), -1);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(zbp::_findnext64(-1, &data), -1);
+    EXPECT_EQ(zbp::_findnext64(0, &data), -1);
+    EXPECT_EQ(zbp::_findclose(-1), -1);
+    EXPECT_EQ(zbp::_findclose(0), -1);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_FALSE(zbp::FindClose(INVALID_HANDLE_VALUE));
+
+    // The root lists no "." and "..", as a drive's root on Windows; a name in the root is found
+    // with either separator.
+    EXPECT_EQ(listing("\\tmp"), std::vector<std::string>{"tmp"});
+    EXPECT_EQ(listing("/tmp"), std::vector<std::string>{"tmp"});
+    std::vector<std::string> root = listing("\\*");
+    EXPECT_NE(std::find(root.begin(), root.end(), "tmp"), root.end());
+    EXPECT_EQ(std::find(root.begin(), root.end(), "."), root.end());
+    EXPECT_EQ(std::find(root.begin(), root.end(), ".."), root.end());
+    // A name without a folder is looked for in the current folder.
+    Folder folder;
+    folder.file("only.txt", "x");
+    const fs::path saved = fs::current_path();
+    fs::current_path(folder.path(""));
+    const std::vector<std::string> here = listing("only.*");
+    fs::current_path(saved);
+    EXPECT_EQ(here, std::vector<std::string>{"only.txt"});
 }
 #endif

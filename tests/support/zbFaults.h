@@ -27,6 +27,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// Defined only in builds with --coverage (libgcov): __gcov_exit writes the counters of the
+// program itself (the part of libgcov that every such program holds), __gcov_dump those of
+// every instrumented module (where the program links it).
+extern "C" void __gcov_exit(void) __attribute__((weak));
+extern "C" void __gcov_dump(void) __attribute__((weak));
+
 namespace zbtest {
 
 class FileSizeLimit {
@@ -107,9 +113,14 @@ inline int asUnprivileged(const std::function<int()>& body) {
         return -1;
     }
     if (child == 0) {
+        // A coverage build writes the child's counters at the end, into root's files: there
+        // the saved user stays root (no capability is effective while the body runs) and the
+        // child takes root back for the write alone.
+        const bool coverage = __gcov_exit != nullptr || __gcov_dump != nullptr;
         if (geteuid() == 0) {
             // nobody: no supplementary groups, no capabilities.
-            if (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0) {
+            if (setgroups(0, nullptr) != 0 || setgid(65534) != 0 ||
+                setresuid(65534, 65534, coverage ? 0 : 65534) != 0) {
                 _exit(125);
             }
         }
@@ -119,6 +130,15 @@ inline int asUnprivileged(const std::function<int()>& body) {
         try {
             code = body();
         } catch (...) {
+        }
+        if (coverage) {
+            const int root = seteuid(0); // fails, harmlessly, where the child never was root
+            (void)root;
+            if (__gcov_dump != nullptr) {
+                __gcov_dump();
+            } else {
+                __gcov_exit();
+            }
         }
         _exit(code);
     }

@@ -20,28 +20,24 @@ bool isSeparator(char c) {
     return c == '\\' || c == '/';
 }
 
-void copyOut(const std::string& text, char* buffer, int size) {
-    if (buffer != nullptr && size > 0 && text.size() < static_cast<size_t>(size)) {
-        memcpy(buffer, text.c_str(), text.size() + 1);
-    }
-}
-
-} // namespace
-
-void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, char* pattern,
-                                     int patternSize) {
+// Splits a search path as makeAbPathWildcard does: 0, or the reason why no folder came out
+// (both buffers then hold empty texts): EINVAL for a null path or buffer, ENAMETOOLONG for a
+// part over its limit or its buffer, and the system's reason when the current folder, which a
+// relative path needs, cannot be named.
+int splitSearchPath(char* path, char* folder, int folderSize, char* pattern, int patternSize) {
     if (folder != nullptr && folderSize > 0) {
         folder[0] = '\0';
     }
     if (pattern != nullptr && patternSize > 0) {
         pattern[0] = '\0';
     }
-    if (path == nullptr) {
-        return;
+    if (path == nullptr || folder == nullptr || pattern == nullptr || folderSize <= 0 ||
+        patternSize <= 0) {
+        return EINVAL;
     }
     size_t length = strnlen(path, kFolderLimit + 1);
     if (length > kFolderLimit) {
-        return;
+        return ENAMETOOLONG;
     }
     // The parts are measured before they are cut out, so that none is ever shortened.
     size_t nameStart = length;
@@ -49,7 +45,7 @@ void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, c
         --nameStart;
     }
     if (nameStart > kDirLimit + 2 || length - nameStart > kPatternLimit) {
-        return;
+        return ENAMETOOLONG;
     }
     char drive[_MAX_DRIVE];
     char dir[_MAX_DIR];
@@ -58,9 +54,9 @@ void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, c
     zbp::_splitpath(path, drive, dir, fname, ext);
     size_t head = strlen(drive) + strlen(dir);
     if (head < nameStart || strlen(fname) + strlen(ext) != length - head) {
-        return;
+        return ENAMETOOLONG;
     }
-    bool network = isNetworkPath(path) > 0;
+    bool network = CzbFileUtil::isNetworkPath(path) > 0;
     std::string base = std::string(drive) + dir;
     std::string name = std::string(fname) + ext;
 
@@ -71,7 +67,7 @@ void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, c
         char current[kFolderLimit + 1];
         DWORD n = zbp::GetFullPathNameA(drive, sizeof current, current, nullptr);
         if (n == 0 || n >= sizeof current) {
-            return;
+            return n == 0 ? ENOENT : ENAMETOOLONG;
         }
         base = current;
         if (!isSeparator(base.back())) {
@@ -84,32 +80,41 @@ void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, c
 #endif
     if (!absolute) {
         char current[kFolderLimit + 1];
+        errno = 0;
         DWORD n = zbp::GetCurrentDirectoryA(sizeof current, current);
-        if (n == 0 || n >= sizeof current) {
-            return;
+        if (n == 0) {
+            return errno != 0 ? errno : ENOENT;
+        }
+        if (n >= sizeof current) {
+            return ENAMETOOLONG;
         }
         base = std::string(current) + "\\" + base;
     } else if (!base.empty()) {
         base.back() = '\\';
     }
     if (base.size() > kFolderLimit) {
-        return;
+        return ENAMETOOLONG;
     }
     if (!network) {
         std::vector<char> text(base.begin(), base.end());
         text.push_back('\0');
-        changeAbsolutePath(text.data());
+        CzbFileUtil::changeAbsolutePath(text.data());
         base = text.data();
     }
-    if (base.empty() || base.size() > kFolderLimit) {
-        return;
-    }
-    if (folder == nullptr || pattern == nullptr || base.size() >= static_cast<size_t>(folderSize) ||
+    if (base.size() >= static_cast<size_t>(folderSize) ||
         name.size() >= static_cast<size_t>(patternSize)) {
-        return;
+        return ENAMETOOLONG;
     }
-    copyOut(base, folder, folderSize);
-    copyOut(name, pattern, patternSize);
+    memcpy(folder, base.c_str(), base.size() + 1);
+    memcpy(pattern, name.c_str(), name.size() + 1);
+    return 0;
+}
+
+} // namespace
+
+void CzbFileUtil::makeAbPathWildcard(char* path, char* folder, int folderSize, char* pattern,
+                                     int patternSize) {
+    splitSearchPath(path, folder, folderSize, pattern, patternSize);
 }
 
 void CzbFileUtil::makeAbPathWildcardFolder(char* path, char* folder, int folderSize, char* pattern,
@@ -121,10 +126,10 @@ void CzbFileUtil::FindFile(char* path, bool subDir) {
     clear();
     char folder[kFolderLimit + 1];
     char pattern[kPatternLimit + 1];
-    makeAbPathWildcard(path, folder, sizeof folder, pattern, sizeof pattern);
+    const int error = splitSearchPath(path, folder, sizeof folder, pattern, sizeof pattern);
     memcpy(m_processPath, folder, strlen(folder) + 1);
-    if (folder[0] == '\0') {
-        m_lastError = path == nullptr ? EINVAL : ENAMETOOLONG;
+    if (error != 0) {
+        m_lastError = error;
         return;
     }
     m_lastError =
@@ -139,9 +144,9 @@ void CzbFileUtil::FindFolder(char* path, bool subDir) {
     clear();
     char folder[kFolderLimit + 1];
     char pattern[kPatternLimit + 1];
-    makeAbPathWildcard(path, folder, sizeof folder, pattern, sizeof pattern);
-    if (folder[0] == '\0') {
-        m_lastError = path == nullptr ? EINVAL : ENAMETOOLONG;
+    const int error = splitSearchPath(path, folder, sizeof folder, pattern, sizeof pattern);
+    if (error != 0) {
+        m_lastError = error;
         return;
     }
     m_lastError =

@@ -188,7 +188,8 @@ void CzbFileUtil::changeAbsolutePath(char* path) {
             rebuilt[used++] = '\\';
         }
     }
-    if (!closing && used > 0 && rebuilt[used - 1] == '\\') {
+    // Every step above leaves the rebuilt text ending in a backslash.
+    if (!closing && used > 0) {
         --used;
     }
     memcpy(path, rebuilt, used);

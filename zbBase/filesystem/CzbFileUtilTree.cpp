@@ -65,11 +65,11 @@ bool wholeTreeCopied(const std::string& source, const std::string& target) {
         } else if (from.size() > kCopyLimit || to.size() > kCopyLimit) {
             whole = false;
         } else if (isFolder) {
-            whole = wholeTreeCopied(from, to) && whole;
+            whole = wholeTreeCopied(from, to);
         } else {
-            whole = zbp::sameFileContent(from.c_str(), to.c_str()) && whole;
+            whole = zbp::sameFileContent(from.c_str(), to.c_str());
         }
-    } while (whole && zbp::_findnext64(handle, &data) == 0);
+    } while (whole && zbp::_findnext64(handle, &data) == 0); // the first gap ends the look
     zbp::_findclose(handle);
     return whole;
 }

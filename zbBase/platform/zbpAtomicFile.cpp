@@ -180,14 +180,6 @@ void AtomicFile::discard() {
     m_temporary.clear();
 }
 
-int replaceFile(const char* from, const char* to) {
-    if (MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
-        errno = EACCES;
-        return -1;
-    }
-    return 0;
-}
-
 #else
 
 bool AtomicFile::open(const char* target, const char* mode) {
@@ -287,10 +279,6 @@ void AtomicFile::discard() {
         }
     }
     m_temporary.clear();
-}
-
-int replaceFile(const char* from, const char* to) {
-    return ::rename(from, to);
 }
 
 #endif

@@ -58,8 +58,4 @@ private:
     std::string m_temporary; // the new file beside it
 };
 
-// Moves a complete file over another in one step (an existing target is replaced). The two
-// paths are the platform's own form and lie in one folder. 0, or -1 with errno.
-int replaceFile(const char* from, const char* to);
-
 } // namespace zbp

@@ -1,0 +1,332 @@
+// File systems that answer otherwise than the one the tests run on: folders read without the
+// entries' types (as some file systems give them), entries that vanish between the listing and
+// the look, a read of a folder interrupted by a signal, and renames on file systems without an
+// atomic no-replace rename or without hard links. The system calls are taken over on demand by
+// definitions in this program, which otherwise pass every call to the C library.
+#include <stdio.h> // tells __GLIBC__
+
+#if defined(__linux__) && defined(__GLIBC__)
+
+#include <zbBase/filesystem/CzbFileUtil.h>
+#include <zbBase/platform/detail/zbpFileOps.h>
+
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <filesystem>
+#include <stddef.h>
+#include <stdio.h>
+#include <string>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+namespace fs = std::filesystem;
+using zbtest::Text;
+
+namespace {
+
+// What the definitions below do instead of passing the call on.
+std::atomic<bool> g_unknownTypes{false};  // getdents64: every entry's type unknown
+std::atomic<bool> g_ghosts{false};        // getdents64: three entries that are not there
+std::atomic<int> g_interrupts{0};         // getdents64: this many calls fail with EINTR
+std::atomic<int> g_readErrors{0};         // getdents64: this many calls fail with EIO
+std::atomic<bool> g_noRenameFlags{false}; // renameat2: flags not supported (EINVAL)
+std::atomic<bool> g_noHardLinks{false};   // link: not supported (EPERM)
+std::atomic<bool> g_ghostsDue{true};      // the next read of a folder gets the ghosts
+
+template <class Function> Function real(const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+// Appends one entry record to a buffer of getdents64 records.
+size_t appendEntry(char* at, const char* name, unsigned char type) {
+    const size_t length = offsetof(struct dirent64, d_name) + strlen(name) + 1;
+    const size_t reclen = (length + 7) & ~size_t(7);
+    memset(at, 0, reclen);
+    struct dirent64 entry;
+    entry.d_ino = 12345;
+    entry.d_off = 0;
+    entry.d_reclen = static_cast<unsigned short>(reclen);
+    entry.d_type = type;
+    memcpy(at, &entry, offsetof(struct dirent64, d_name));
+    memcpy(at + offsetof(struct dirent64, d_name), name, strlen(name) + 1);
+    return reclen;
+}
+
+// Sets a fault for the life of the object.
+class Fault {
+public:
+    explicit Fault(std::atomic<bool>& flag) : m_flag(flag) { m_flag = true; }
+    ~Fault() { m_flag = false; }
+    Fault(const Fault&) = delete;
+    Fault& operator=(const Fault&) = delete;
+
+private:
+    std::atomic<bool>& m_flag;
+};
+
+} // namespace
+
+extern "C" ssize_t getdents64(int fd, void* buffer, size_t length) noexcept {
+    using Getdents = ssize_t (*)(int, void*, size_t);
+    static const Getdents next = real<Getdents>("getdents64");
+    int interrupts = g_interrupts.load();
+    while (interrupts > 0) {
+        if (g_interrupts.compare_exchange_weak(interrupts, interrupts - 1)) {
+            errno = EINTR;
+            return -1;
+        }
+    }
+    int errors = g_readErrors.load();
+    while (errors > 0) {
+        if (g_readErrors.compare_exchange_weak(errors, errors - 1)) {
+            errno = EIO;
+            return -1;
+        }
+    }
+    const bool ghosts = g_ghosts.load();
+    const size_t room = 256;
+    if (ghosts && length <= room) {
+        errno = EINVAL;
+        return -1;
+    }
+    ssize_t n = next(fd, buffer, ghosts ? length - room : length);
+    if (n < 0) {
+        return n;
+    }
+    char* bytes = static_cast<char*>(buffer);
+    if (g_unknownTypes) {
+        for (ssize_t at = 0; at < n;) {
+            struct dirent64* entry = reinterpret_cast<struct dirent64*>(bytes + at);
+            entry->d_type = DT_UNKNOWN;
+            at += entry->d_reclen;
+        }
+    }
+    if (ghosts && n > 0 && g_ghostsDue.exchange(false)) {
+        // Entries listed by the folder and gone before they are looked at.
+        n += static_cast<ssize_t>(appendEntry(bytes + n, "ghost.txt", DT_REG));
+        n += static_cast<ssize_t>(appendEntry(bytes + n, "ghost2.txt", DT_UNKNOWN));
+        n += static_cast<ssize_t>(appendEntry(bytes + n, "ghostdir", DT_DIR));
+    } else if (n == 0) {
+        g_ghostsDue = true; // the folder is read to its end: the next one gets them
+    }
+    return n;
+}
+
+extern "C" int renameat2(int oldFolder, const char* oldPath, int newFolder, const char* newPath,
+                         unsigned int flags) noexcept {
+    using Renameat2 = int (*)(int, const char*, int, const char*, unsigned int);
+    static const Renameat2 next = real<Renameat2>("renameat2");
+    if (g_noRenameFlags && flags != 0) {
+        errno = EINVAL;
+        return -1;
+    }
+    return next(oldFolder, oldPath, newFolder, newPath, flags);
+}
+
+extern "C" int link(const char* from, const char* to) noexcept {
+    using Link = int (*)(const char*, const char*);
+    static const Link next = real<Link>("link");
+    if (g_noHardLinks) {
+        errno = EPERM;
+        return -1;
+    }
+    return next(from, to);
+}
+
+namespace {
+
+std::string lib(const fs::path& path) {
+    std::string text = path.string();
+    std::replace(text.begin(), text.end(), '/', '\\');
+    return text;
+}
+
+// What a search gives: the entries with their records, and the two numbers.
+struct Result {
+    std::vector<std::string> entries;
+    int folders;
+    int error;
+    bool operator==(const Result& other) const {
+        return entries == other.entries && folders == other.folders && error == other.error;
+    }
+};
+
+std::ostream& operator<<(std::ostream& out, const Result& result) {
+    out << result.folders << " folders, error " << result.error << ":";
+    for (const std::string& entry : result.entries) {
+        out << "\n  " << entry;
+    }
+    return out;
+}
+
+Result search(const std::string& path, bool folders, bool subDir) {
+    CzbFileUtil util;
+    Text text(path);
+    if (folders) {
+        util.FindFolder(text, subDir);
+    } else {
+        util.FindFile(text, subDir);
+    }
+    Result result{{}, util.getFindSubDirCount(), util.getLastError()};
+    for (const __finddata64_t& entry : *util.getFindData()) {
+        result.entries.push_back(
+            std::string(entry.name) + " attrib " + std::to_string(entry.attrib) + " size " +
+            std::to_string(entry.size) + " written " + std::to_string(entry.time_write));
+    }
+    return result;
+}
+
+// root: a.txt b.log .hidden.txt m.txt/inner.txt sub/c.txt sub/deep/d.txt .dot/e.txt, a link to
+// sub, a dangling link, a pipe and a socket.
+void buildTree(const fs::path& root) {
+    zbtest::writeBytes(root / "a.txt", "12345");
+    zbtest::writeBytes(root / "b.log", "b");
+    zbtest::writeBytes(root / ".hidden.txt", "h");
+    zbtest::writeBytes(root / "m.txt" / "inner.txt", "i");
+    zbtest::writeBytes(root / "sub" / "c.txt", "cc");
+    zbtest::writeBytes(root / "sub" / "deep" / "d.txt", "ddd");
+    zbtest::writeBytes(root / ".dot" / "e.txt", "e");
+    fs::create_directory_symlink(root / "sub", root / "link.txt");
+    fs::create_symlink(root / "nowhere", root / "dangling.txt");
+    ASSERT_EQ(mkfifo((root / "pipe.txt").c_str(), 0600), 0);
+    int s = socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_GE(s, 0);
+    struct sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    const std::string socketPath = (root / "socket.txt").string();
+    ASSERT_LT(socketPath.size(), sizeof address.sun_path);
+    memcpy(address.sun_path, socketPath.c_str(), socketPath.size() + 1);
+    ASSERT_EQ(bind(s, reinterpret_cast<struct sockaddr*>(&address), sizeof address), 0);
+    close(s);
+}
+
+} // namespace
+
+TEST(PlatformFault, AWalkWithoutTheEntriesTypesFindsTheSame) {
+    zbtest::TempFolder dir;
+    const fs::path root = fs::canonical(dir.path());
+    buildTree(root);
+    const std::string files = lib(root / "*.txt");
+    const std::string all = lib(root / "*");
+
+    const Result txt = search(files, false, true);
+    const Result everything = search(all, false, true);
+    const Result folders = search(all, true, true);
+    // Pipes, sockets and links are plain entries, never entered: the walk stays in the tree.
+    ASSERT_EQ(txt.entries.size(), 9u) << txt;
+    EXPECT_EQ(txt.entries[0].substr(0, lib(root / ".hidden.txt").size()),
+              lib(root / ".hidden.txt"));
+    EXPECT_NE(txt.entries[3].find("link.txt attrib 32 size 0 "), std::string::npos) << txt;
+    EXPECT_NE(txt.entries[4].find("pipe.txt attrib 32 size 0 "), std::string::npos) << txt;
+    EXPECT_NE(txt.entries[5].find("socket.txt attrib 32 size 0 "), std::string::npos) << txt;
+    EXPECT_EQ(txt.folders, 4);
+    ASSERT_EQ(folders.entries.size(), 3u) << folders;
+
+    Fault unknown(g_unknownTypes);
+    EXPECT_EQ(search(files, false, true), txt);
+    EXPECT_EQ(search(all, false, true), everything);
+    EXPECT_EQ(search(all, true, true), folders);
+    EXPECT_EQ(search(lib(root / "sub"), true, false).entries.size(), 1u);
+    EXPECT_TRUE(search(lib(root / "link.txt"), true, false).entries.empty());
+}
+
+TEST(PlatformFault, EntriesThatVanishBeforeTheLookAreLeftOut) {
+    zbtest::TempFolder dir;
+    const fs::path root = fs::canonical(dir.path());
+    buildTree(root);
+    const std::string files = lib(root / "*.txt");
+    const Result txt = search(files, false, true);
+    const Result folders = search(lib(root / "*"), true, true);
+    ASSERT_EQ(txt.folders, 4);
+    ASSERT_EQ(folders.folders, 4);
+
+    // Each folder the walk reads lists three entries that are gone: a file, one of unknown
+    // type and a folder. None is stored; the folder counts as entered (it was listed), as a
+    // folder that cannot be read does.
+    Fault ghosts(g_ghosts);
+    const Result withGhosts = search(files, false, true);
+    EXPECT_EQ(withGhosts.entries, txt.entries);
+    EXPECT_EQ(withGhosts.folders, txt.folders + 4);
+    EXPECT_EQ(withGhosts.error, ENOENT);
+    const Result foldersWithGhosts = search(lib(root / "*"), true, true);
+    EXPECT_EQ(foldersWithGhosts.entries, folders.entries);
+    Fault unknown(g_unknownTypes);
+    EXPECT_EQ(search(files, false, true).entries, txt.entries);
+}
+
+TEST(PlatformFault, AnInterruptedReadOfAFolderIsRepeatedAFailedOneEndsIt) {
+    zbtest::TempFolder dir;
+    const fs::path root = fs::canonical(dir.path());
+    buildTree(root);
+    const std::string files = lib(root / "*.txt");
+    const Result txt = search(files, false, true);
+    g_interrupts = 3;
+    const Result interrupted = search(files, false, true);
+    EXPECT_EQ(g_interrupts.load(), 0);
+    g_interrupts = 0;
+    EXPECT_EQ(interrupted, txt);
+
+    // A folder whose read fails ends its listing there and nothing else: here the first
+    // folder read, the start, gives nothing, and the walk ends without a hang.
+    g_readErrors = 1;
+    const Result failed = search(files, false, true);
+    g_readErrors = 0;
+    EXPECT_TRUE(failed.entries.empty());
+    EXPECT_EQ(failed.folders, 0);
+    EXPECT_EQ(failed.error, ENOENT);
+}
+
+TEST(PlatformFault, RenamesNeverReplaceWithoutAnAtomicNoReplaceRename) {
+    for (bool hardLinks : {true, false}) {
+        SCOPED_TRACE(hardLinks ? "with hard links" : "without hard links");
+        zbtest::TempFolder dir;
+        const fs::path root = dir.path();
+        zbtest::writeBytes(root / "a.txt", "a");
+        zbtest::writeBytes(root / "b.txt", "b");
+        fs::create_directories(root / "d1" / "inner");
+        fs::create_directories(root / "d2");
+        Fault noFlags(g_noRenameFlags);
+        g_noHardLinks = !hardLinks;
+
+        EXPECT_EQ(zbp::rename(lib(root / "a.txt").c_str(), lib(root / "c.txt").c_str()), 0);
+        EXPECT_FALSE(fs::exists(root / "a.txt"));
+        EXPECT_EQ(zbtest::readBytes(root / "c.txt"), "a");
+        errno = 0;
+        EXPECT_EQ(zbp::rename(lib(root / "c.txt").c_str(), lib(root / "b.txt").c_str()), -1);
+        EXPECT_EQ(errno, EEXIST);
+        EXPECT_EQ(zbtest::readBytes(root / "b.txt"), "b");
+        EXPECT_EQ(zbtest::readBytes(root / "c.txt"), "a");
+        // An empty folder as the target is not replaced either, as the system's rename would.
+        EXPECT_EQ(zbp::rename(lib(root / "d1").c_str(), lib(root / "d2").c_str()), -1);
+        EXPECT_EQ(errno, EEXIST);
+        EXPECT_TRUE(fs::exists(root / "d1" / "inner"));
+        EXPECT_EQ(zbp::rename((lib(root / "d1") + "\\").c_str(), lib(root / "d3").c_str()), 0);
+        EXPECT_TRUE(fs::exists(root / "d3" / "inner"));
+        EXPECT_EQ(zbp::rename(lib(root / "none").c_str(), lib(root / "x").c_str()), -1);
+        EXPECT_EQ(zbp::rename(lib(root / "b.txt").c_str(), lib(root / "no" / "b.txt").c_str()), -1);
+        EXPECT_EQ(zbtest::readBytes(root / "b.txt"), "b");
+
+        // The batch rename keeps its documented outcome: one file takes the name, the other
+        // is refused and not recorded.
+        CzbFileUtil util;
+        util.RenameFile(Text(lib(root / "*.txt")), Text("same.txt"), false);
+        EXPECT_EQ(util.getFindData()->size(), 2u);
+        EXPECT_EQ(util.getProcessData()->size(), 1u);
+        EXPECT_EQ(zbtest::readBytes(root / "same.txt"), "b");
+        EXPECT_EQ(zbtest::readBytes(root / "c.txt"), "a");
+        g_noHardLinks = false;
+    }
+}
+
+#endif

@@ -1,0 +1,175 @@
+// The runtime functions of the platform layer: numbers from text, time, the current folder and
+// the program's path, streams and descriptors, case of text. Each behaves as the Windows
+// runtime does, and fails with a result instead of ending the process on bad arguments.
+#include <zbBase/platform/detail/zbpClock.h>
+#include <zbBase/platform/detail/zbpFileIO.h>
+#include <zbBase/platform/detail/zbpNumber.h>
+#include <zbBase/platform/detail/zbpPath.h>
+#include <zbBase/platform/detail/zbpText.h>
+
+#include "support/zbTestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#if !defined(_WIN32)
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+TEST(zbpNumber, TextToNumberAsTheRuntimeReadsIt) {
+    struct {
+        const char* text;
+        long value;
+    } cases[] = {
+        {" \t\n\v\f\r42", 42},
+        {"+7 apples", 7},
+        {"-0012", -12},
+        {"2147483647", INT_MAX},
+        {"2147483648", INT_MAX},
+        {"99999999999999999999999", INT_MAX},
+        {"-2147483648", INT_MIN},
+        {"-2147483649", INT_MIN},
+        {"- 5", 0},
+        {"", 0},
+        {"x1", 0},
+        {"12.9e3", 12},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(zbp::atoi(c.text), c.value);
+        EXPECT_EQ(zbp::atol(c.text), c.value);
+    }
+    EXPECT_EQ(zbp::atoi(nullptr), 0);
+    EXPECT_EQ(zbp::atol(nullptr), 0);
+}
+
+TEST(zbpText, CaseOfAsciiLettersOnly) {
+    char text[] = "aZ09\xe9_q";
+    EXPECT_EQ(zbp::_strupr(text), text);
+    EXPECT_STREQ(text, "AZ09\xe9_Q");
+    EXPECT_EQ(zbp::_strlwr(text), text);
+    EXPECT_STREQ(text, "az09\xe9_q");
+    EXPECT_EQ(zbp::_strupr(nullptr), nullptr);
+    EXPECT_EQ(zbp::_strlwr(nullptr), nullptr);
+}
+
+TEST(zbpClock, CalendarTime) {
+    __time64_t stored = -1;
+    const __time64_t now = zbp::_time64(&stored);
+    EXPECT_EQ(stored, now);
+    EXPECT_GT(now, 1600000000); // after September 2020
+    struct tm* local = zbp::_localtime64(&now);
+    ASSERT_NE(local, nullptr);
+    EXPECT_GE(local->tm_year + 1900, 2020);
+#if !defined(_WIN32)
+    // No time before 1970 and no missing argument: null, as the runtime answers.
+    const __time64_t before = -1;
+    EXPECT_EQ(zbp::_localtime64(&before), nullptr);
+    EXPECT_EQ(zbp::_localtime64(nullptr), nullptr);
+    const __time64_t farAhead = 100000000000000000; // a year beyond the range of int
+    EXPECT_EQ(zbp::_localtime64(&farAhead), nullptr);
+#endif
+}
+
+TEST(zbpPath, CurrentFolderAndProgramPath) {
+    const std::string cwd = zbp::toLibraryPath(fs::current_path().string());
+    // Too small a buffer: the size needed, terminator included, and nothing written.
+    EXPECT_EQ(zbp::GetCurrentDirectoryA(0, nullptr), cwd.size() + 1);
+    std::string small(cwd.size(), 'x');
+    EXPECT_EQ(zbp::GetCurrentDirectoryA(static_cast<DWORD>(small.size()), &small[0]),
+              cwd.size() + 1);
+    EXPECT_EQ(small, std::string(cwd.size(), 'x'));
+    char buffer[4096];
+    EXPECT_EQ(zbp::GetCurrentDirectoryA(sizeof buffer, buffer), cwd.size());
+    EXPECT_EQ(std::string(buffer), cwd);
+    EXPECT_EQ(std::string(buffer).find('/'), std::string::npos);
+
+    EXPECT_GT(zbp::GetModuleFileNameA(nullptr, buffer, sizeof buffer), 0u);
+    EXPECT_NE(std::string(buffer).find("zbBase_tests_internal"), std::string::npos);
+    EXPECT_EQ(std::string(buffer).find('/'), std::string::npos);
+#if !defined(_WIN32)
+    const std::string whole = buffer;
+    char cut[8];
+    EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, cut, sizeof cut), 7u);
+    EXPECT_EQ(std::string(cut), whole.substr(0, 7));
+    EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, nullptr, 10), 0u);
+    EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, cut, 0), 0u);
+
+    // A current folder that was removed has no name: 0.
+    zbtest::TempFolder folder;
+    const fs::path gone = folder.path() / "gone";
+    fs::create_directory(gone);
+    const fs::path saved = fs::current_path();
+    fs::current_path(gone);
+    fs::remove(gone);
+    const DWORD n = zbp::GetCurrentDirectoryA(sizeof buffer, buffer);
+    fs::current_path(saved);
+    EXPECT_EQ(n, 0u);
+#endif
+    EXPECT_EQ(zbp::toNativePath(nullptr), "");
+}
+
+TEST(zbpFileIO, StreamsAndDescriptors) {
+    zbtest::TempFolder folder;
+    const std::string name = folder.file("data.txt");
+    zbtest::writeBytes(name, "abc");
+
+    // "t" is taken on every platform.
+    FILE* file = zbp::fopen(name.c_str(), "rt");
+    ASSERT_NE(file, nullptr);
+    char bytes[16] = {};
+    EXPECT_EQ(fread(bytes, 1, sizeof bytes, file), 3u);
+    EXPECT_STREQ(bytes, "abc");
+    fclose(file);
+
+    EXPECT_EQ(zbp::fopen(nullptr, "rb"), nullptr);
+    EXPECT_EQ(zbp::fopen(name.c_str(), nullptr), nullptr);
+    EXPECT_EQ(zbp::fopen(name.c_str(), ""), nullptr);
+    EXPECT_EQ(errno, EINVAL);
+    FILE* stream = stdin; // overwritten by every call below
+    EXPECT_EQ(zbp::fopen_s(nullptr, name.c_str(), "rb"), EINVAL);
+    EXPECT_EQ(zbp::fopen_s(&stream, folder.file("missing").c_str(), "rb"), ENOENT);
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(zbp::fopen_s(&stream, name.c_str(), nullptr), EINVAL);
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(zbp::_filelengthi64(-1), -1);
+
+    ASSERT_EQ(zbp::fopen_s(&stream, name.c_str(), "rb"), 0);
+    memset(bytes, 0, sizeof bytes);
+    EXPECT_EQ(zbp::_read(zbp::_fileno(stream), bytes, sizeof bytes), 3);
+    EXPECT_STREQ(bytes, "abc");
+    EXPECT_EQ(zbp::_read(zbp::_fileno(stream), bytes, sizeof bytes), 0);
+    EXPECT_EQ(zbp::_read(-1, bytes, 1), -1);
+    fclose(stream);
+#if !defined(_WIN32)
+    EXPECT_EQ(zbp::_fileno(nullptr), -1);
+#endif
+
+#if defined(ZBP_OWN_FREAD_S)
+    // A read that cannot fit the buffer reads nothing, not even the part that would fit.
+    ASSERT_EQ(zbp::fopen_s(&stream, name.c_str(), "rb"), 0);
+    char two[2] = {'-', '-'};
+    errno = 0;
+    EXPECT_EQ(zbp::fread_s(two, sizeof two, 1, 3, stream), 0u);
+    EXPECT_EQ(errno, ERANGE);
+    EXPECT_EQ(two[0], '-');
+    EXPECT_EQ(zbp::fread_s(nullptr, 8, 1, 3, stream), 0u);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(zbp::fread_s(two, sizeof two, 0, 3, stream), 0u);
+    EXPECT_EQ(zbp::fread_s(two, sizeof two, 1, 0, stream), 0u);
+    EXPECT_EQ(zbp::fread_s(two, sizeof two, 1, 1, nullptr), 0u);
+    EXPECT_EQ(two[0], '-');
+    // Whole elements only: two of one byte fit, then the rest.
+    EXPECT_EQ(zbp::fread_s(two, sizeof two, 1, 2, stream), 2u);
+    EXPECT_EQ(std::string(two, 2), "ab");
+    EXPECT_EQ(zbp::fread_s(two, sizeof two, 1, 2, stream), 1u);
+    EXPECT_EQ(two[0], 'c');
+    fclose(stream);
+#endif
+}
