@@ -6,6 +6,7 @@
 #include <zbBase/datafiles/CzbFileMgrB.h>
 
 #include "support/zbFaults.h"
+#include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -21,14 +22,6 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZB_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ZB_SANITIZED 1
-#endif
-#endif
 
 namespace fs = std::filesystem;
 using zbtest::Text;
@@ -115,45 +108,6 @@ struct Writers {
 
 const char* const kKinds[] = {"savefile", "CzbFileMgr::MakeFile", "CzbFileMgrB::MakeFile",
                               "writeFile"};
-
-// Runs the body in a child process whose address space is limited to `bytes`; the body's
-// result, 125 when an exception left it, or -1 when the child died.
-int withAddressSpace(rlim_t bytes, const std::function<int()>& body) {
-    pid_t child = fork();
-    if (child < 0) {
-        return -1;
-    }
-    if (child == 0) {
-        rlimit limit{bytes, bytes};
-        if (setrlimit(RLIMIT_AS, &limit) != 0) {
-            _exit(126);
-        }
-        int result = 125; // an exception left the body
-        try {
-            result = body();
-        } catch (...) {
-        }
-        _exit(result);
-    }
-    int status = 0;
-    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-        return -1;
-    }
-    return WEXITSTATUS(status);
-}
-
-// Address space the process holds now.
-rlim_t addressSpace() {
-    unsigned long pages = 0;
-    FILE* statm = std::fopen("/proc/self/statm", "r");
-    if (statm != nullptr) {
-        if (std::fscanf(statm, "%lu", &pages) != 1) {
-            pages = 0;
-        }
-        std::fclose(statm);
-    }
-    return static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-}
 
 } // namespace
 
@@ -266,7 +220,7 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
 
 // The memory tests limit the address space of a child process; a sanitizer's shadow memory
 // does not fit such a limit.
-#if defined(ZB_SANITIZED)
+#if defined(ZBTEST_SANITIZED)
 #define SKIP_WHEN_SANITIZED() GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
 #else
 #define SKIP_WHEN_SANITIZED()
@@ -298,7 +252,7 @@ TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
         mgr.SetDataSize(16, 4096);
         return mgr.OpenFile(Text(huge)) && mgr.m_readBodies.size() == 255 ? 0 : 3;
     };
-    EXPECT_EQ(withAddressSpace(1024 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
@@ -326,7 +280,7 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         zbBase::CzbFileMgrB copy(mgr); // one more image, not 8 million blocks
         return *copy.m_readBodies.back() == bytes.back() ? 0 : 3;
     };
-    EXPECT_EQ(withAddressSpace(addressSpace() + 192 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
@@ -343,7 +297,7 @@ TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
         }
         return mgr.m_title[0] == '\0' ? 0 : 2;
     };
-    EXPECT_EQ(withAddressSpace(1024 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
@@ -375,7 +329,7 @@ TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
         CzbFileDB empty;
         return !empty.openfile(Text(items)) && empty.m_items.empty() ? 0 : 3;
     };
-    EXPECT_EQ(withAddressSpace(addressSpace() + 96 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 96 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, EditOfAFileWithAHugeSparseBlock) {
@@ -401,7 +355,7 @@ TEST(DataFileFault, EditOfAFileWithAHugeSparseBlock) {
     std::fclose(tail);
 
     auto body = [&] { return mgr.editFile(Text(blocks), 0, Text("xy"), 2) ? 0 : 1; };
-    EXPECT_EQ(withAddressSpace(addressSpace() + 64 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 64 * kMiB, body), 0);
     const std::string edited = zbtest::readBytes(blocks);
     EXPECT_EQ(edited.size(), 152u + 16u + 5u);
     EXPECT_EQ(edited.substr(168), "xyabc");
