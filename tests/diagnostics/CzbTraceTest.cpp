@@ -72,6 +72,9 @@ TEST(CzbTrace, WriteFileAppendsOrReplaces) {
     trace.setTrace(Text("kept"));
     trace.setWriteFile(Text(folder.file("none/x.txt")), true);
     EXPECT_EQ(trace.getTraceNum(), 1);
+    trace.setWriteFile(Text(folder.file("none/x.txt")), false);
+    EXPECT_EQ(trace.getTraceNum(), 1);
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "none"));
 }
 
 TEST(CzbTrace, AppendedQueueOfAnyLengthIsWrittenWhole) {

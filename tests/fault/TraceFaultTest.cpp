@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -108,6 +110,60 @@ TEST(TraceFault, ReplacingAFileFailsWholeAndKeepsTheOldFileAndTheQueue) {
     trace.setWriteFile(zbtest::Text(name), false);
     EXPECT_EQ(trace.getTraceNum(), 0);
     EXPECT_EQ(zbtest::readLines(name).size(), 100u);
+}
+
+TEST(TraceFault, ATextLongerThanARunLeavesTheQueueOnlyWhole) {
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("long.txt");
+    CzbTrace trace;
+    const std::string huge(40000, 'h');
+    char* block = static_cast<char*>(malloc(huge.size() + 1));
+    ASSERT_NE(block, nullptr);
+    memcpy(block, huge.c_str(), huge.size() + 1);
+    trace.m_queue.push_back(block); // queued by the host: far longer than one write of the queue
+    {
+        zbtest::FileSizeLimit limit(20000); // a later piece of the text is cut
+        trace.setWriteFile(zbtest::Text(name), true);
+    }
+    EXPECT_EQ(trace.getTraceNum(), 1);
+    EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000));
+    {
+        // Room for a line end and the whole text, not for the line end behind it.
+        zbtest::FileSizeLimit limit(20000 + 1 + 40000);
+        trace.setWriteFile(zbtest::Text(name), true);
+    }
+    EXPECT_EQ(trace.getTraceNum(), 1);
+    EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000) + "\n" + huge);
+    trace.setWriteFile(zbtest::Text(name), true);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000) + "\n" + huge + "\n" + huge + "\n");
+}
+
+TEST(TraceFault, DevicesAreWrittenWhereTheyStand) {
+    // A full device refuses every queue, whichever write meets the end of the stream's buffer:
+    // the queue stays whole.
+    for (size_t first = 0; first < 512; ++first) {
+        CzbTrace trace;
+        trace.setMode(CzbTrace::ModeQueue);
+        trace.setTrace(zbtest::Text("%s"), std::string(first, 'f').c_str());
+        for (int i = 0; i < 10; ++i) {
+            trace.setTrace(zbtest::Text("%s"),
+                           std::string(511, static_cast<char>('0' + i)).c_str());
+        }
+        trace.setWriteFile(zbtest::Text("/dev/full"), false);
+        ASSERT_EQ(trace.getTraceNum(), 11) << first;
+        ASSERT_EQ(strlen(trace.getTraceFront()), first);
+    }
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+
+    // The null device takes every line, and stays what it is.
+    CzbTrace trace;
+    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text("/dev/null"), true));
+    trace.setTrace(zbtest::Text("to nowhere"));
+    queueMessages(trace, 3);
+    trace.setWriteFile(zbtest::Text("/dev/null"), false);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
 #endif
