@@ -218,18 +218,10 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
     EXPECT_EQ(entries(disk.path()), 1u);
 }
 
-// The memory tests limit the address space of a child process; a sanitizer's shadow memory
-// does not fit such a limit.
-#if defined(ZBTEST_SANITIZED)
-#define SKIP_WHEN_SANITIZED() GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
-#else
-#define SKIP_WHEN_SANITIZED()
-#endif
-
 const rlim_t kMiB = 1 << 20;
 
 TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A sparse head-and-body file of 2^40 bytes, under 1 GiB: longer than a 32-bit length can
     // say, so a failed read with nothing kept and nothing read, whatever the sizes, and no
@@ -256,7 +248,7 @@ TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
 }
 
 TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A body size of 1 on an 8 MiB file: the bytes once and a pointer per body (some 72 MiB),
     // not a heap block per body.
@@ -284,7 +276,7 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
 }
 
 TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // Three million empty lines under one title are three million records of 384 bytes each:
     // more than 1 GiB holds. The read fails with an empty table, and no exception leaves.
@@ -301,7 +293,7 @@ TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
 }
 
 TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // An item file that does not fit: the object stays as it was, old values included.
     const std::string items = dir.file("items.txt");
@@ -333,7 +325,7 @@ TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
 }
 
 TEST(DataFileFault, EditOfAFileWithAHugeSparseBlock) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // Blocks of 512 MiB (sparse) and 3 bytes: editing the first holds no block in memory.
     const std::string blocks = dir.file("blocks.bin");

@@ -3,6 +3,7 @@
 #include <zbBase/diagnostics/CzbTrace.h>
 
 #include "support/zbFaults.h"
+#include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #if !defined(_WIN32)
@@ -164,6 +166,32 @@ TEST(TraceFault, DevicesAreWrittenWhereTheyStand) {
     trace.setWriteFile(zbtest::Text("/dev/null"), false);
     EXPECT_EQ(trace.getTraceNum(), 0);
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST(TraceFault, AMessageWithoutMemoryIsDroppedAndTheLockReleased) {
+    ZBTEST_SKIP_WHEN_SANITIZED();
+    int rc = zbtest::withAddressSpace(zbtest::addressSpace() + (32 << 20), [&] {
+        CzbTrace trace;
+        queueMessages(trace, 1);
+        zbtest::Text format("%s");
+        const std::string dropped = message(1);
+        {
+            zbtest::MemoryHog hog;
+            trace.setTrace(format, dropped.c_str());
+        }
+        if (trace.getTraceNum() != 1) {
+            return 1;
+        }
+        // The lock is free again, for this thread and for any other.
+        std::thread other([&] { trace.setTrace(zbtest::Text("%s"), message(2).c_str()); });
+        other.join();
+        char text[512];
+        trace.getTracePop(text);
+        return trace.getTraceNum() == 1 && message(0) == text && message(2) == trace.getTraceFront()
+                   ? 0
+                   : 2;
+    });
+    EXPECT_EQ(rc, 0);
 }
 
 #endif

@@ -7,7 +7,11 @@
 //   // the body's result; 125 when an exception left the body, 126 when the limit could not
 //   // be set, -1 when the child died
 //
-// A sanitizer's shadow memory does not fit such a limit: tests skip under ZBTEST_SANITIZED.
+//   zbtest::MemoryHog hog;       // inside such a child: every allocation fails until the hog
+//                                // goes, small ones too
+//
+// A sanitizer's shadow memory does not fit such a limit: such tests begin with
+// ZBTEST_SKIP_WHEN_SANITIZED().
 // In a build with coverage counters the child writes its counters before it ends, so that
 // what it ran counts as the rest of the suite does.
 #pragma once
@@ -27,6 +31,14 @@
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define ZBTEST_SANITIZED 1
 #endif
+#endif
+
+// A test that limits the address space skips under a sanitizer.
+#if defined(ZBTEST_SANITIZED)
+#define ZBTEST_SKIP_WHEN_SANITIZED()                                                               \
+    GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
+#else
+#define ZBTEST_SKIP_WHEN_SANITIZED()
 #endif
 
 #if defined(__GNUC__)
@@ -86,6 +98,38 @@ inline int withAddressSpace(rlim_t bytes, const std::function<int()>& body) {
     }
     return WEXITSTATUS(status);
 }
+
+// Takes every block that the allocator still gives, from large ones down to each small size,
+// and gives them back when it goes. Meant for a child under withAddressSpace.
+class MemoryHog {
+public:
+    MemoryHog() {
+        for (size_t size = size_t(1) << 24; size >= 2048; size /= 2) {
+            take(size);
+        }
+        for (size_t size = 2048; size >= sizeof(void*); size -= sizeof(void*)) {
+            take(size);
+        }
+    }
+    ~MemoryHog() {
+        while (m_last != nullptr) {
+            void* next = *static_cast<void**>(m_last);
+            std::free(m_last);
+            m_last = next;
+        }
+    }
+    MemoryHog(const MemoryHog&) = delete;
+    MemoryHog& operator=(const MemoryHog&) = delete;
+
+private:
+    void take(size_t size) {
+        for (void* block; (block = std::malloc(size)) != nullptr;) {
+            *static_cast<void**>(block) = m_last;
+            m_last = block;
+        }
+    }
+    void* m_last = nullptr;
+};
 
 } // namespace zbtest
 
