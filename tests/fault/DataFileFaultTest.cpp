@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #if !defined(_WIN32)
 
@@ -154,6 +155,57 @@ TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnANearlyFullDisk) {
     }
 }
 
+TEST(DataFileFault, AFullDeviceFailsEveryWriterWhicheverWriteMeetsIt) {
+    // The stream's buffer fills at 4096 bytes; the first write past that point fails. Texts
+    // of every length in front of it move that point over every write of a line.
+    for (size_t pad = 1; pad <= 18; ++pad) {
+        CzbFileDB db;
+        db.setItem(Text("first"), Text(std::string(pad, 'p')));
+        char key[16], value[16];
+        for (int i = 0; i < 300; ++i) {
+            std::snprintf(key, sizeof key, "key%03d", i);
+            std::snprintf(value, sizeof value, "value%03d", i);
+            db.setItem(key, value);
+        }
+        EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
+    }
+    for (size_t pad = 1; pad <= 13; ++pad) {
+        zbBase::CzbFileMgr mgr;
+        mgr.SetTitle(Text("First"));
+        mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
+        char title[16];
+        for (int i = 0; i < 400; ++i) {
+            std::snprintf(title, sizeof title, "T%03d", i);
+            mgr.SetTitle(title);
+            mgr.SetAttribute(Text("n"), Text("v"));
+        }
+        EXPECT_FALSE(mgr.MakeFile(Text("/dev/full"))) << pad;
+    }
+    // A size table longer than the buffer, a block without data, a block with data.
+    std::string data(10000, 'd');
+    zbBase::CzbFileMgrAdv table, zeros, bytes;
+    for (int i = 0; i < 600; ++i) {
+        table.addDataSize(nullptr, 0);
+    }
+    zeros.addDataSize(nullptr, data.size());
+    bytes.addDataSize(&data[0], data.size());
+    for (zbBase::CzbFileMgrAdv* mgr : {&table, &zeros, &bytes}) {
+        EXPECT_FALSE(mgr->writeFile(Text("/dev/full"), 1.0f));
+    }
+    // A head longer than the buffer, given or left unset, and bodies: no result to give, and
+    // the device stays a device.
+    zbBase::CzbFileMgrB records;
+    records.SetDataSize(8192, 16);
+    records.MakeFile(Text("/dev/full"));
+    records.SetHead(&data[0]);
+    records.MakeFile(Text("/dev/full"));
+    records.SetDataSize(4, 4096);
+    records.AddBody(&data[0]);
+    records.AddBody(&data[0]);
+    records.MakeFile(Text("/dev/full"));
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
 TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
     zbtest::TempFolder dir;
     fs::permissions(dir.path(), fs::perms::all);
@@ -205,6 +257,40 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
     }
     EXPECT_TRUE(zbtest::readBytes(path) == old);
     EXPECT_EQ(entries(dir.path()), 1u);
+
+    // A file of 600 blocks (a size table longer than one piece of the copy), edited under a
+    // limit at every 500 bytes of the new file: in the table, in the copied blocks, in the new
+    // block, and in the blocks behind it. Only the edit that fits is made.
+    const std::string many = dir.file("many.bin");
+    std::vector<std::string> blocks;
+    zbBase::CzbFileMgrAdv list;
+    for (int i = 0; i < 600; ++i) {
+        blocks.push_back(std::string(static_cast<size_t>(i % 40), static_cast<char>('a' + i % 26)));
+    }
+    for (std::string& block : blocks) {
+        list.addDataSize(block.empty() ? nullptr : &block[0], block.size());
+    }
+    ASSERT_TRUE(list.writeFile(Text(many), 0.5f));
+    const std::string before = zbtest::readBytes(many);
+    const size_t editedSize = before.size() - blocks[300].size() + 5000;
+    for (size_t limit = 0; limit < editedSize; limit += 500) {
+        {
+            zbtest::FileSizeLimit disk(limit);
+            ASSERT_FALSE(list.editFile(Text(many), 300, nullptr, 5000)) << limit;
+        }
+        ASSERT_TRUE(zbtest::readBytes(many) == before) << limit;
+    }
+    EXPECT_EQ(entries(dir.path()), 2u);
+    // With room, the edit gives the file that the list with the new block gives.
+    ASSERT_TRUE(list.editFile(Text(many), 300, nullptr, 5000)); // a block without data: zeros
+    list.setDataSize(300, nullptr, 5000);
+    list.setDataSize(600, &first[0], 1); // no such entry: nothing changes
+    list.setDataSize(-1, &first[0], 1);
+    const std::string expected = dir.file("expected.bin");
+    ASSERT_TRUE(list.writeFile(Text(expected), 0.5f));
+    EXPECT_EQ(zbtest::readBytes(many).size(), editedSize);
+    EXPECT_TRUE(zbtest::readBytes(many) == zbtest::readBytes(expected));
+    fs::remove(expected);
 
     zbtest::SmallTmpfs disk(256 * 1024);
     if (!disk.ok()) {
@@ -273,6 +359,64 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         return *copy.m_readBodies.back() == bytes.back() ? 0 : 3;
     };
     EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, body), 0);
+}
+
+TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
+    ZBTEST_SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // Sparse files: they cost no disk, only what a reader makes of them.
+    const std::string image = dir.file("image.bin");
+    zbtest::writeBytes(image, "head");
+    ASSERT_EQ(truncate(image.c_str(), 48 << 20), 0);
+    const std::string pointers = dir.file("pointers.bin");
+    zbtest::writeBytes(pointers, "");
+    ASSERT_EQ(truncate(pointers.c_str(), 8 << 20), 0);
+    auto records = [&] {
+        zbBase::CzbFileMgrB mgr;
+        mgr.SetDataSize(4, 1);
+        // The image of 48 MiB does not fit; nor does a pointer per body of 8 MiB; nor do the
+        // bytes of a device without end.
+        if (mgr.OpenFile(Text(image)) || mgr.GetHeadData() != nullptr) {
+            return 1;
+        }
+        if (mgr.OpenFile(Text(pointers)) || !mgr.m_readBodies.empty()) {
+            return 2;
+        }
+        if (mgr.OpenFile(Text("/dev/zero")) || mgr.GetHeadData() != nullptr) {
+            return 3;
+        }
+        // A read side that fits once but not twice: the copy throws, and nothing is lost.
+        mgr.SetDataSize(4, 1 << 20);
+        if (truncate(image.c_str(), 4 + (24 << 20)) != 0 || !mgr.OpenFile(Text(image)) ||
+            mgr.m_readBodies.size() != 24) {
+            return 4;
+        }
+        try {
+            zbBase::CzbFileMgrB copy(mgr);
+            return 5;
+        } catch (const std::bad_alloc&) {
+        }
+        return mgr.m_readBodies.size() == 24 ? 0 : 6;
+    };
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 40 * kMiB, records), 0);
+
+    // A block file of 1 GiB whose header claims a block for every 8 bytes behind it: the size
+    // table does not fit, and the edit fails with the file as it was.
+    const std::string blocks = dir.file("blocks.bin");
+    std::string header(152, '\0');
+    const unsigned long long count = ((1ull << 30) - 152) / 8;
+    for (int i = 0; i < 8; ++i) {
+        header[16 + i] = static_cast<char>(count >> (8 * i));
+    }
+    zbtest::writeBytes(blocks, header);
+    ASSERT_EQ(truncate(blocks.c_str(), 1ll << 30), 0);
+    auto edit = [&] {
+        zbBase::CzbFileMgrAdv mgr;
+        return mgr.editFile(Text(blocks), 0, Text("x"), 1) ? 1 : 0;
+    };
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 64 * kMiB, edit), 0);
+    EXPECT_EQ(fs::file_size(blocks), 1ull << 30);
+    EXPECT_EQ(entries(dir.path()), 3u);
 }
 
 TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
