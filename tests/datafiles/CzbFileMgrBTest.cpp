@@ -120,6 +120,9 @@ TEST(CzbFileMgrB, HeadSizeZeroNoBodiesAndMissingHead) {
     EXPECT_TRUE(mgr.OpenFile(T(path)));
     EXPECT_NE(mgr.GetHeadData(), nullptr);
     EXPECT_TRUE(mgr.m_readBodies.empty());
+    CzbFileMgrB copyOfNothing(mgr);
+    EXPECT_NE(copyOfNothing.GetHeadData(), nullptr);
+    EXPECT_NE(copyOfNothing.GetHeadData(), mgr.GetHeadData());
 
     // Bodies of a head-and-body file with no head: the bytes before the first body are the
     // head (head size 4), a body size larger than the file gives no body and no failure.

@@ -5,6 +5,7 @@
 #include <zbBase/datafiles/CzbFileMgrAdv.h>
 #include <zbBase/datafiles/CzbFileMgrB.h>
 
+#include "support/zbDescriptorLimit.h"
 #include "support/zbFaults.h"
 #include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
@@ -204,6 +205,36 @@ TEST(DataFileFault, AFullDeviceFailsEveryWriterWhicheverWriteMeetsIt) {
     records.AddBody(&data[0]);
     records.MakeFile(Text("/dev/full"));
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST(DataFileFault, DescriptorsRunningOut) {
+    zbtest::TempFolder dir;
+    Writers writers;
+    std::string old[4];
+    for (int kind = 0; kind < 4; ++kind) {
+        const std::string path = dir.file("file" + std::to_string(kind));
+        ASSERT_TRUE(writers.write(path, kind, 0));
+        old[kind] = zbtest::readBytes(path);
+    }
+    zbtest::Text blocks(dir.file("file3"));
+    zbtest::Text edit("edit");
+    zbBase::CzbFileMgrAdv mgr;
+    {
+        // One descriptor: the file to edit opens, the file beside it cannot be made.
+        zbtest::DescriptorLimit limit(1);
+        EXPECT_FALSE(mgr.editFile(blocks, 1, edit, 4));
+    }
+    {
+        zbtest::DescriptorLimit limit(0);
+        for (int kind = 0; kind < 4; ++kind) {
+            EXPECT_EQ(writers.write(dir.file("file" + std::to_string(kind)), kind, 1), kind == 2);
+        }
+        EXPECT_FALSE(mgr.editFile(blocks, 1, edit, 4));
+    }
+    for (int kind = 0; kind < 4; ++kind) {
+        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
+    }
+    EXPECT_EQ(entries(dir.path()), 4u);
 }
 
 TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {

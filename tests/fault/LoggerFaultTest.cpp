@@ -4,6 +4,7 @@
 #include <zbBase/diagnostics/CzbLogger.h>
 #include <zbBase/platform/detail/zbpThread.h>
 
+#include "support/zbDescriptorLimit.h"
 #include "support/zbFaults.h"
 #include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
@@ -18,6 +19,7 @@
 
 #if !defined(_WIN32)
 
+#include <cstring>
 #include <ctime>
 #include <new>
 #include <pthread.h>
@@ -278,11 +280,16 @@ TEST(LoggerFault, FullDeviceMarksEveryRecord) {
     }
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 
-    TaggedLogger tagged(16, 64);
-    tagged.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
+    TaggedLogger tagged(16, 8192);
     tagged.setLog(zbtest::Text("tagged"));
+    // A record longer than the stream's buffer fails inside its write, not at its flush.
+    tagged.setLog(zbtest::Text("x"));
+    std::memset(tagged.m_logData[1].text, 'l', 6000);
+    tagged.m_logData[1].text[6000] = '\0';
+    tagged.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
     tagged.resetLogCount(1);
     EXPECT_EQ(tagged.m_logData[0].text, "tagged" + kMark);
+    EXPECT_EQ(tagged.m_logData[1].text, std::string(6000, 'l') + kMark);
 }
 
 TEST(LoggerFault, SmallDiskThatFillsAndGetsSpaceBack) {
@@ -406,6 +413,25 @@ TEST(LoggerFault, NoSaverRunsWithoutMemoryForItsBufferOrItsThread) {
     });
     EXPECT_EQ(rc, 0);
     EXPECT_TRUE(fs::is_empty(dir.path()));
+}
+
+TEST(LoggerFault, NoDescriptorLeftMarksTheRecords) {
+    zbtest::TempFolder dir;
+    CzbLogger logger(16, 64);
+    zbtest::Text format("%s");
+    {
+        zbtest::DescriptorLimit limit(0);
+        logger.setWriteFileMode(zbtest::Text(dir.file("Fd")), 1);
+        logger.setLog(format, "first");
+        logger.setLog(format, "second");
+        logger.resetLogCount(1);
+    }
+    EXPECT_EQ(logger.m_logData[0].text, "first" + kMark);
+    EXPECT_EQ(logger.m_logData[1].text, "second" + kMark);
+    EXPECT_TRUE(fs::is_empty(dir.path()));
+    logger.setLog(format, "third");
+    logger.resetLogCount(1);
+    EXPECT_EQ(linesIn(dir.path()).size(), 1u);
 }
 
 #endif

@@ -2,6 +2,7 @@
 // in the file, a replaced file survives a failed write, and no line continues a cut one.
 #include <zbBase/diagnostics/CzbTrace.h>
 
+#include "support/zbDescriptorLimit.h"
 #include "support/zbFaults.h"
 #include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
@@ -192,6 +193,32 @@ TEST(TraceFault, AMessageWithoutMemoryIsDroppedAndTheLockReleased) {
                    : 2;
     });
     EXPECT_EQ(rc, 0);
+}
+
+TEST(TraceFault, DescriptorsRunningOut) {
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("trace.txt");
+    zbtest::writeBytes(name, "host text"); // ends inside a line
+    CzbTrace trace;
+    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text(name), false));
+    zbtest::Text other(dir.file("other.txt"));
+    zbtest::Text format("%s");
+    {
+        // No descriptor left: the message is lost, and no other file can be named.
+        zbtest::DescriptorLimit limit(0);
+        trace.setTrace(format, "lost");
+        EXPECT_FALSE(trace.setTraceFileName(other, true));
+    }
+    EXPECT_EQ(zbtest::readBytes(name), "host text");
+    EXPECT_FALSE(fs::exists(dir.file("other.txt")));
+    {
+        // One descriptor: the file opens, but its end cannot be looked at, and the file is
+        // taken as it stands.
+        zbtest::DescriptorLimit limit(1);
+        trace.setTrace(format, "written");
+    }
+    trace.setTrace(format, "next");
+    EXPECT_EQ(zbtest::readBytes(name), "host textwritten\nnext\n");
 }
 
 #endif

@@ -258,7 +258,8 @@ void CzbTrace::clear() {
 bool CzbTrace::setTraceFileName(char* name, bool truncate) {
     zbp::CriticalSectionGuard guard(&m_lock);
     FILE* file = nullptr;
-    if (zbp::fopen_s(&file, name, truncate ? "w" : "a") != 0 || file == nullptr) {
+    // fopen_s gives 0 with a stream, and an error code without one.
+    if (zbp::fopen_s(&file, name, truncate ? "w" : "a") != 0) {
         return false;
     }
     fclose(file);

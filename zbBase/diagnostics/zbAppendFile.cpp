@@ -98,7 +98,7 @@ bool AppendFile::startLine() {
 }
 
 size_t AppendFile::append(const char* bytes, size_t length) {
-    if (m_file == nullptr || !startLine()) {
+    if (!startLine()) {
         return 0;
     }
     return continueLine(bytes, length);
