@@ -416,6 +416,7 @@ TEST(LoggerFault, NoSaverRunsWithoutMemoryForItsBufferOrItsThread) {
 }
 
 TEST(LoggerFault, NoDescriptorLeftMarksTheRecords) {
+    ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED();
     zbtest::TempFolder dir;
     CzbLogger logger(16, 64);
     zbtest::Text format("%s");

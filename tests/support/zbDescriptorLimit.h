@@ -4,10 +4,28 @@
 //                                       // everything else is as it was once limit goes
 //
 // The other descriptors up to a lowered limit are taken by copies of /dev/null. No other thread
-// of the process may open files meanwhile.
+// of the process may open files meanwhile. Tests that use it begin with
+// ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED(): the address sanitizer's build (with its
+// undefined-behaviour checks) looks at memory through a pipe of its own, which needs
+// descriptors too.
 #pragma once
 
 #if !defined(_WIN32)
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ZBTEST_DESCRIPTORS_NEEDED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZBTEST_DESCRIPTORS_NEEDED 1
+#endif
+#endif
+
+#if defined(ZBTEST_DESCRIPTORS_NEEDED)
+#define ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED()                                                  \
+    GTEST_SKIP() << "the sanitizer checks memory through descriptors of its own"
+#else
+#define ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED()
+#endif
 
 #include <fcntl.h>
 #include <sys/resource.h>
