@@ -6,7 +6,9 @@
 
 #include <climits>
 #include <cstring>
+#include <limits>
 #include <thread>
+#include <utility>
 
 using zbBase::CzbStringT;
 
@@ -41,6 +43,14 @@ TEST(CzbStringT, EmptyNullFormatCompareAndSharedCopies) {
     const CzbStringT& same = copy;
     copy = same;
     EXPECT_STREQ(copy, "value");
+
+    CzbStringT moved("old");
+    moved = std::move(copy);
+    EXPECT_STREQ(moved, "value");
+    CzbStringT& alias = moved;
+    moved = std::move(alias); // onto itself: unchanged
+    EXPECT_STREQ(moved, "value");
+    EXPECT_EQ(moved.GetString(), original.GetString()); // still shared
 }
 
 TEST(CzbFileDB, EmptyDatabaseGivesDefaults) {
@@ -120,7 +130,18 @@ TEST(CzbFileDB, TextFormsOfNumbers) {
     EXPECT_EQ(l, static_cast<long>(INT_MIN));
     db.setItem(T("huge"), T("1e300"));
     db.getItem(T("huge"), &f, 0.0f);
-    EXPECT_TRUE(f > 3e38f);
+    EXPECT_EQ(f, std::numeric_limits<float>::infinity());
+    db.setItem(T("huge"), T("-1e300"));
+    db.getItem(T("huge"), &f, 0.0f);
+    EXPECT_EQ(f, -std::numeric_limits<float>::infinity());
+    // Just beyond the largest float, nearer to it than to the next power of two: it rounds
+    // to the largest float, as the hardware rounds.
+    db.setItem(T("huge"), T("3.4028235e38"));
+    db.getItem(T("huge"), &f, 0.0f);
+    EXPECT_EQ(f, std::numeric_limits<float>::max());
+    db.setItem(T("huge"), T("-3.4028235e38"));
+    db.getItem(T("huge"), &f, 0.0f);
+    EXPECT_EQ(f, -std::numeric_limits<float>::max());
 }
 
 TEST(CzbFileDB, OrderPositionsAndReplacement) {
@@ -169,6 +190,21 @@ TEST(CzbFileDB, FamiliesAreKeyPrefixes) {
     EXPECT_EQ(db.getItemNum(T("a")), 2);
     db.setItem(-1, T("a"), 1.5);
     EXPECT_STREQ(db.getItemPoint(T("a_#-1")), "1.500000");
+    db.setItem(7, T("a"), 0.25f);
+    EXPECT_STREQ(db.getItemPoint(7, T("a")), "0.250000");
+    EXPECT_EQ(db.getItemPoint(6, T("a")), nullptr);
+    double d = 0;
+    db.getItem(-1, T("a"), &d, 9.0);
+    EXPECT_EQ(d, 1.5);
+    db.getItem(8, T("a"), &d, 9.0);
+    EXPECT_EQ(d, 9.0);
+
+    // A null name is the empty name: its family prefix is "_#" alone.
+    db.setItem(3, nullptr, T("unnamed"));
+    EXPECT_STREQ(db.getItemPoint(T("_#3")), "unnamed");
+    EXPECT_EQ(db.getItemNum(nullptr), 1);
+    db.setItemClear(nullptr);
+    EXPECT_EQ(db.getItemPoint(T("_#3")), nullptr);
 
     db.setItem(T("speed_#x"), T("1"));
     db.setItem(T("speed_#"), T("1"));

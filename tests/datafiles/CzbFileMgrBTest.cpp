@@ -108,6 +108,34 @@ TEST(CzbFileMgrB, HeadSizeZeroNoBodiesAndMissingHead) {
     EXPECT_EQ(mgr.GetHeadData(), nullptr);
     EXPECT_NE(mgr.m_writeHead, nullptr);
     mgr.MakeFile(T(folder.file("no/such/dir.bin"))); // nothing happens
+
+    // Neither size: one byte is enough to tell a file from an empty one; the head is an empty
+    // block and there are no bodies.
+    mgr.SetDataSize(0, 0);
+    EXPECT_TRUE(mgr.AddBody(nullptr)); // no byte to copy
+    mgr.MakeFile(T(path));
+    EXPECT_EQ(readBytes(path), "");
+    EXPECT_FALSE(mgr.OpenFile(T(path)));
+    writeBytes(path, "some bytes");
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_NE(mgr.GetHeadData(), nullptr);
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+    CzbFileMgrB copyOfNothing(mgr);
+    EXPECT_NE(copyOfNothing.GetHeadData(), nullptr);
+    EXPECT_NE(copyOfNothing.GetHeadData(), mgr.GetHeadData());
+
+    // Bodies of a head-and-body file with no head: the bytes before the first body are the
+    // head (head size 4), a body size larger than the file gives no body and no failure.
+    mgr.SetDataSize(4, 0);
+    EXPECT_TRUE(mgr.AddBody(nullptr));
+    mgr.SetHead(T("head"));
+    mgr.MakeFile(T(path));
+    EXPECT_EQ(readBytes(path), "head");
+    mgr.SetDataSize(0, 100);
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_NE(mgr.GetHeadData(), nullptr);
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+    EXPECT_EQ(mgr.GetBodyData(), nullptr);
 }
 
 TEST(CzbFileMgrB, MalformedFilesKeepWhatIsWhole) {
@@ -145,7 +173,45 @@ TEST(CzbFileMgrB, MalformedFilesKeepWhatIsWhole) {
     EXPECT_FALSE(mgr.OpenFile(T(folder.file("dir"))));
     mgr.m_cursor = 0x7fffffff;
     EXPECT_EQ(mgr.MoveNext(), 0);
+
+    // A head far beyond the file (not a size that a 32-bit signed length could hold) and no
+    // bodies: a non-empty file reads without a head.
+    mgr.SetDataSize(0xffffffffu, 0);
+    EXPECT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(mgr.GetHeadData(), nullptr);
+
+    // A cursor that a host set below 0 names no body and counts up as the documented walk
+    // does; the walk wraps only at the end.
+    mgr.SetDataSize(8, 2);
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    ASSERT_EQ(mgr.m_readBodies.size(), 3u);
+    mgr.m_cursor = -3;
+    EXPECT_EQ(mgr.GetBodyData(), nullptr);
+    EXPECT_EQ(mgr.MoveNext(), -2);
+    EXPECT_EQ(mgr.MoveNext(), -1);
+    EXPECT_EQ(mgr.MoveNext(), 0);
+    EXPECT_EQ(block(mgr.GetBodyData(), 2), "b0");
 }
+
+#if !defined(_WIN32)
+TEST(CzbFileMgrB, OnlyWhatTheSizesNeedIsRead) {
+    TempFolder folder;
+    // A sparse file of 100 MiB with a head of 16 bytes and no bodies: 16 bytes are read.
+    std::string path = folder.file("sparse.bin");
+    writeBytes(path, "0123456789abcdefXYZ");
+    std::filesystem::resize_file(path, 100u << 20);
+    CzbFileMgrB mgr;
+    mgr.SetDataSize(16, 0);
+    ASSERT_TRUE(mgr.OpenFile(T(path)));
+    EXPECT_EQ(block(mgr.GetHeadData(), 16), "0123456789abcdef");
+    EXPECT_TRUE(mgr.m_readBodies.empty());
+
+    // A device that never ends and claims no length: the head and nothing more.
+    mgr.SetDataSize(100000, 0);
+    ASSERT_TRUE(mgr.OpenFile(T("/dev/zero")));
+    EXPECT_EQ(block(mgr.GetHeadData(), 100000), std::string(100000, '\0'));
+}
+#endif
 
 TEST(CzbFileMgrB, ReadSideIsOneImageThatCopiesDuplicate) {
     TempFolder folder;

@@ -144,6 +144,24 @@ TEST(CzbFileMgr, MakeFileGroupsTitlesAndFailsWithoutRecords) {
     EXPECT_EQ(readBytes(path), "[A]" NL "x = 1" NL "z = 3" NL "[B]" NL "y = 2" NL);
     EXPECT_STREQ(mgr.m_attributes[1].title, "B"); // the table itself is not regrouped
 
+    // A record whose title a host emptied is in no section; a null text is the empty text.
+    CzbFileMgr edited(mgr);
+    edited.m_attributes[1].title[0] = '\0';
+    edited.SetTitle(T("A"));
+    EXPECT_TRUE(edited.SetAttribute(nullptr, T("no name")));
+    EXPECT_TRUE(edited.SetAttribute(T("no value"), static_cast<char*>(nullptr)));
+    edited.SetTitle(nullptr);
+    EXPECT_FALSE(edited.SetAttribute(T("no title"), 4));
+    std::string other = folder.file("edited.ini");
+    ASSERT_TRUE(edited.MakeFile(T(other)));
+    EXPECT_EQ(readBytes(other), "[A]" NL "x = 1" NL "z = 3" NL " = no name" NL "no value = " NL);
+    // A position that a host set below 0 starts no walk.
+    edited.SetTitle(T("A"));
+    edited.m_position = -1;
+    char value[8] = "kept";
+    EXPECT_TRUE(edited.GetAttribute(T("x"), value));
+    EXPECT_STREQ(value, "kept");
+
     // Through the file the later run of A becomes reachable.
     ASSERT_TRUE(mgr.OpenFile(T(path)));
     mgr.SetTitle(T("A"));

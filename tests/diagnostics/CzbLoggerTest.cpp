@@ -43,6 +43,21 @@ void waitForSaver(CzbLogger& logger) {
     }
 }
 
+// A subclass that also runs save passes from threads of its own. Like every subclass whose
+// operations the saver calls, it stops the saver before its own part is destroyed.
+class PassingLogger : public CzbLogger {
+public:
+    PassingLogger(int records, int bytes) : CzbLogger(records, bytes) {}
+    ~PassingLogger() override {
+        int running = 1;
+        if (m_threadState.compare_exchange_strong(running, 2)) {
+            while (m_threadState.load() != 0) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }
+    }
+    void savePass() { funcLogFileSave(); }
+};
 const std::regex kLine("^(\\d{8})   \\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}   "
                        "L\\[00\\] (.*)$");
 
@@ -109,6 +124,12 @@ TEST(CzbLogger, FlatFileHoldsExactLines) {
         CzbLogger logger(16, 128);
         logger.setWriteFileMode(Text(prefix), 5);
         EXPECT_EQ(logger.m_threadState.load(), 1);
+        // A second start while the saver runs changes nothing.
+        logger.setWriteFileMode(Text(folder.file("Other")), 1);
+        logger.setWriteFileMode2(Text(folder.path().string()), Text("Other"), 1);
+        EXPECT_STREQ(logger.m_filePrefix, prefix.c_str());
+        EXPECT_EQ(logger.m_fileMode, 0);
+        EXPECT_EQ(logger.m_savePeriod, 5);
         for (int i = 0; i < 5; ++i) {
             logger.setLog(Text("value %d of %s"), i, "five");
         }
@@ -183,6 +204,22 @@ TEST(CzbLogger, DatedFolderMode) {
         }
     }
     EXPECT_EQ(found, 1);
+
+    // A null prefix is the empty text: the file name starts with the underscore.
+    CzbLogger unnamed;
+    unnamed.setWriteFileMode2(Text(folder.path().string()), nullptr, 1);
+    EXPECT_STREQ(unnamed.m_filePrefix, "");
+    unnamed.setLog(Text("no prefix"));
+    unnamed.resetLogCount(1);
+    found = 0;
+    for (const auto& day : days) {
+        auto file = folder.path() / day / ("_" + day + ".log");
+        if (std::filesystem::exists(file)) {
+            EXPECT_EQ(diagtest::readLines(file).at(0).substr(41), "no prefix");
+            ++found;
+        }
+    }
+    EXPECT_EQ(found, 1);
 }
 
 TEST(CzbLogger, UnopenableFileMarksTheRecord) {
@@ -203,6 +240,24 @@ TEST(CzbLogger, UnopenableFileMarksTheRecord) {
     narrow.setLog(Text("x"));
     waitForSaver(narrow);
     EXPECT_STREQ(narrow.GetLogData(0)->text, "(File Ope");
+
+    // A subclass's records take the same way when their file cannot be opened.
+    PassingLogger subclass(4, 64);
+    subclass.setWriteFileMode(Text(prefix), 1);
+    subclass.setLog(Text("own way"));
+    waitForSaver(subclass);
+    EXPECT_STREQ(subclass.GetLogData(0)->text, "own way(File Open Fail)");
+
+    // A file name beyond 255 characters is no file that could be opened, and no shorter
+    // name is tried in its place.
+    std::string longPrefix = folder.file(std::string(249 - folder.path().string().size(), 'p'));
+    ASSERT_EQ(longPrefix.size(), 250u);
+    CzbLogger longName(4, 64);
+    longName.setWriteFileMode(Text(longPrefix), 1);
+    longName.setLog(Text("long"));
+    waitForSaver(longName);
+    EXPECT_STREQ(longName.GetLogData(0)->text, "long(File Open Fail)");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
 TEST(CzbLogger, ResetWaitsForEverySavedRecord) {
@@ -297,6 +352,10 @@ TEST(CzbLogger, CopiesOwnTheirRing) {
     }
     source.setLog(Text("later"));
     EXPECT_STREQ(copy.GetLogData(3)->text, "s5");
+    CzbLogger& same = copy;
+    copy = same; // assigning a logger to itself changes nothing
+    EXPECT_EQ(copy.GetLogDataNum(), 4);
+    EXPECT_STREQ(copy.GetLogData(3)->text, "s5");
 
     TempFolder folder;
     CzbLogger running(8, 32);
@@ -337,6 +396,9 @@ TEST(CzbLogger, UnusualFieldsAndLongRunsKeepThePrintfBytes) {
     logger.m_logData[6].time.wSecond = 61;
     logger.m_logData[6].time.wHour = 7;
     logger.m_logData[7].number = INT_MIN;
+    logger.m_logData[10].time.wHour = 100;
+    logger.m_logData[11].time.wMinute = 100;
+    logger.m_logData[12].time.wSecond = 100;
     std::strcpy(logger.m_logData[8].text, "two\nlines");
     logger.m_logData[9].text[0] = '\0';
     std::string expected;
@@ -371,6 +433,81 @@ TEST(CzbLogger, UnusualFieldsAndLongRunsKeepThePrintfBytes) {
     EXPECT_EQ(wrap.m_logData[1].number, INT_MIN);
     EXPECT_EQ(wrap.GetLogDataNum(), 4);
     EXPECT_STREQ(wrap.GetLogData(3)->text, "min");
+}
+
+TEST(CzbLogger, EachRecordOfAPassGoesToTheFileOfItsOwnDay) {
+    // In the flat mode the name comes from each record's date, so one pass over records of
+    // several days (a message of 23:59:59.900 saved after midnight) writes several files.
+    TempFolder folder;
+    std::string prefix = folder.file("Day");
+    struct Stamp {
+        unsigned short year, month, day, hour, minute, second, millisecond;
+        const char* file;
+    };
+    const Stamp stamps[] = {
+        {2026, 11, 19, 23, 59, 59, 900, "261119"}, {2026, 11, 20, 0, 0, 0, 100, "261120"},
+        {2026, 11, 20, 0, 0, 0, 200, "261120"},    // the same second
+        {2026, 11, 20, 0, 1, 0, 0, "261120"},      // another minute
+        {2026, 11, 20, 1, 1, 0, 0, "261120"},      // another hour
+        {2026, 12, 20, 1, 1, 0, 0, "261220"},      // another month
+        {2027, 12, 20, 1, 1, 0, 0, "271220"},      // another year
+        {2027, 12, 21, 1, 1, 0, 0, "271221"},      // another day
+        {2027, 12, 21, 1, 1, 7, 0, "271221"},      // another second
+        {2026, 11, 19, 23, 59, 59, 950, "261119"}, // back to the first day
+        {2126, 11, 19, 8, 0, 0, 0, "261119"},      // a century on: the same name
+        {2026, 100, 19, 8, 0, 0, 0, "2610019"},    // fields beyond two digits are printed whole
+        {2026, 11, 100, 8, 0, 0, 0, "2611100"},
+    };
+    const int count = static_cast<int>(sizeof stamps / sizeof stamps[0]);
+    CzbLogger logger(32, 64);
+    std::map<std::string, std::string> expected;
+    for (int i = 0; i < count; ++i) {
+        logger.setLog(Text("record %d"), i);
+        const Stamp& s = stamps[i];
+        SYSTEMTIME t{s.year, s.month, 0, s.day, s.hour, s.minute, s.second, s.millisecond};
+        logger.m_logData[i].time = t;
+        expected[s.file] += expectedLine(logger.m_logData[i]) + diagtest::kEol;
+    }
+    logger.setWriteFileMode(Text(prefix), 1);
+    logger.resetLogCount(1);
+    size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        (void)entry;
+        ++files;
+    }
+    EXPECT_EQ(files, expected.size());
+    for (const auto& file : expected) {
+        EXPECT_EQ(diagtest::readBytes(prefix + "_" + file.first + ".log"), file.second)
+            << file.first;
+    }
+    EXPECT_EQ(expected["261119"].substr(0, 41), "00000000   26/11/19 23:59:59.900   L[00] ");
+    EXPECT_EQ(expected["2610019"].substr(11, 30), "26/100/19 08:00:00.000   L[00]");
+}
+
+TEST(CzbLogger, TextsAtTheLimitsOfTheirBlocks) {
+    TempFolder folder;
+    // A block of one byte holds the empty text only: the line ends behind "L[00] ".
+    std::string tinyPrefix = folder.file("Tiny");
+    CzbLogger tiny(2, 1);
+    tiny.setLog(Text("dropped"));
+    tiny.setWriteFileMode(Text(tinyPrefix), 1);
+    tiny.resetLogCount(1);
+    EXPECT_EQ(diagtest::readBytes(tinyPrefix + "_" + yymmdd(tiny.m_logData[0].time) + ".log"),
+              expectedLine(tiny.m_logData[0]) + diagtest::kEol);
+    EXPECT_EQ(expectedLine(tiny.m_logData[0]).substr(35), "L[00] ");
+
+    // A text that the host wrote into a large block itself is saved up to 64 KiB.
+    std::string widePrefix = folder.file("Wide");
+    CzbLogger wide(2, 100000);
+    wide.setLog(Text("short"));
+    std::memset(wide.m_logData[0].text, 'w', 70000);
+    wide.m_logData[0].text[70000] = '\0';
+    wide.setWriteFileMode(Text(widePrefix), 1);
+    wide.resetLogCount(1);
+    std::vector<std::string> lines =
+        diagtest::readLines(widePrefix + "_" + yymmdd(wide.m_logData[0].time) + ".log");
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].substr(41), std::string(65536, 'w'));
 }
 
 TEST(CzbLogger, AnExistingFileIsAppendedToAsItStands) {
@@ -422,24 +559,6 @@ TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
     } // and the destructor does not wait out the period
     EXPECT_LT(seconds(), 60.0);
 }
-
-namespace {
-// A subclass that also runs save passes from threads of its own. Like every subclass whose
-// operations the saver calls, it stops the saver before its own part is destroyed.
-class PassingLogger : public CzbLogger {
-public:
-    PassingLogger(int records, int bytes) : CzbLogger(records, bytes) {}
-    ~PassingLogger() override {
-        int running = 1;
-        if (m_threadState.compare_exchange_strong(running, 2)) {
-            while (m_threadState.load() != 0) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        }
-    }
-    void savePass() { funcLogFileSave(); }
-};
-} // namespace
 
 #if !defined(_WIN32)
 // POSIX appends are atomic per write. On Windows the runtime seeks to the end and then writes,

@@ -16,6 +16,7 @@ TEST(CzbString, FindAndReverseFind) {
     EXPECT_EQ(CzbString::Find("", 'a'), -1);
     EXPECT_EQ(CzbString::ReverseFind("a/b/c", '/'), 3);
     EXPECT_EQ(CzbString::ReverseFind("abc", '\0'), 3);
+    EXPECT_EQ(CzbString::ReverseFind("abc", 'x'), -1);
 
     EXPECT_EQ(CzbString::Find("banana", Text("nan")), 2);
     EXPECT_EQ(CzbString::Find("banana", Text("nab")), -1);
@@ -41,6 +42,11 @@ TEST(CzbString, LeftRightMidCopyOrRefuse) {
     EXPECT_TRUE(CzbString::Right("abcd", dst, 16, 2));
     EXPECT_STREQ(dst, "cd");
     EXPECT_FALSE(CzbString::Right("abcd", dst, 16, 4));
+    EXPECT_FALSE(CzbString::Right("abcd", dst, 16, -1));
+    EXPECT_FALSE(CzbString::Right("abcd", dst, 2, 2));
+    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 3, 1, 3));
+    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 2, -2));
+    EXPECT_STREQ(dst, "cd");
 
     memset(dst, 0, sizeof dst);
     EXPECT_TRUE(CzbString::Mid("abcdef", dst, 16, 2, 3));
@@ -124,6 +130,14 @@ TEST(CzbString, PathSplitting) {
     EXPECT_EQ(std::string(full, 9), "dir/sub/x");
     EXPECT_FALSE(CzbString::GetFullPathName(full, 5, "dir/sub/a.cfg", "b.dat"));
     EXPECT_STREQ(full, "");
+
+    // A size of 0 or below leaves the target untouched.
+    memset(dst, 'q', sizeof dst);
+    CzbString::GetName(dst, 0, "a/b.txt");
+    CzbString::GetPath(dst, -1, "a/b.txt");
+    EXPECT_TRUE(CzbString::GetExt(dst, 0, "a.txt"));
+    EXPECT_FALSE(CzbString::GetFullPathName(dst, -1, "dir/a.cfg", "b.dat"));
+    EXPECT_EQ(std::string(dst, sizeof dst), std::string(sizeof dst, 'q'));
 }
 
 TEST(CzbString, NumbersCaseAndReplace) {
@@ -181,6 +195,7 @@ TEST(CzbString, WideConversions) {
     EXPECT_EQ(element & upper, upper);
     EXPECT_EQ(widened[1], L'z');
     EXPECT_TRUE(CzbString::ToWString("").empty());
+    EXPECT_TRUE(CzbString::ToWString(nullptr).empty());
 
     wchar_t* first = charToWchar(Text("abc"));
     ASSERT_NE(first, nullptr);
@@ -190,6 +205,10 @@ TEST(CzbString, WideConversions) {
     EXPECT_EQ(m_pWstrTemp, first);
     EXPECT_STREQ(first, L"abc");
     EXPECT_STREQ(charToWchar(Text("")), L"");
+#if !defined(_WIN32)
+    // Bytes that the C locale cannot convert give the empty text.
+    EXPECT_STREQ(charToWchar(Text("caf\xE9")), L"");
+#endif
     {
         CzbString routines;
         CzbString copy(routines);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <ctime>
 #include <regex>
@@ -39,6 +40,19 @@ TEST(CzbText, RingRotatesThroughEightSlots) {
     std::string longText(700, 'k');
     char* cut = ring.getFormat(Text("%s"), longText.c_str());
     EXPECT_EQ(std::strlen(cut), 511u);
+#if !defined(_WIN32)
+    // A conversion that the formatter refuses (a wide character the C locale has no byte for)
+    // gives the empty text.
+    EXPECT_STREQ(ring.getFormat(Text("%ls"), L"\u00e9"), "");
+#endif
+
+    // A cursor that the host set outside the ring still takes a slot of it.
+    ring.m_current.store(-5);
+    EXPECT_EQ(ring.getFormat(Text("at four")), ring.getBuffer(4));
+    EXPECT_EQ(ring.m_current.load(), 4);
+    ring.m_current.store(INT_MAX);
+    EXPECT_EQ(ring.getBufferNew(8), ring.getBuffer(0));
+    EXPECT_EQ(ring.m_current.load(), 0);
 }
 
 TEST(CzbText, BlocksGrowButNeverShrink) {
@@ -210,6 +224,38 @@ TEST(CzbText, CopiesWriteOnlyIntoBlocksOfTheirOwn) {
     source.m_current.store(-1);
     EXPECT_EQ(source.getFormat(Text("four")), ownOfCopy);
     EXPECT_EQ(source.getBufferSize(0), 512);
+
+    // Three objects in turn in one slot: each keeps its text, and each finds its own block
+    // again behind the blocks that the others set aside.
+    CzbText a;
+    CzbText b(a);
+    CzbText c(a);
+    char* fromA = a.getFormat(Text("a"));
+    char* fromB = b.getFormat(Text("b"));
+    char* fromC = c.getFormat(Text("c"));
+    EXPECT_EQ(std::set<char*>({fromA, fromB, fromC}).size(), 3u);
+    a.m_current.store(-1);
+    EXPECT_EQ(a.getFormat(Text("a again")), fromA);
+    b.m_current.store(-1);
+    EXPECT_EQ(b.getFormat(Text("b again")), fromB);
+    EXPECT_STREQ(fromA, "a again");
+    EXPECT_STREQ(fromC, "c");
+    EXPECT_EQ(c.getBuffer(0), fromB);
+
+    // An object's own block that the slot has outgrown meanwhile is replaced by a larger one.
+    CzbText d;
+    CzbText e(d);
+    char* small = d.getDate();
+    e.getDate();
+    d.m_current.store(-1);
+    char* large = d.getFormat(Text("large"));
+    EXPECT_NE(large, small);
+    EXPECT_EQ(d.getBufferSize(0), 512);
+    e.m_current.store(-1);
+    char* alsoLarge = e.getDate();
+    EXPECT_NE(alsoLarge, large);
+    EXPECT_EQ(e.getBufferSize(0), 512);
+    EXPECT_STREQ(large, "large");
 }
 
 TEST(CzbText, ProcessWideRing) {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <regex>
@@ -70,6 +72,42 @@ TEST(CzbTrace, WriteFileAppendsOrReplaces) {
     trace.setTrace(Text("kept"));
     trace.setWriteFile(Text(folder.file("none/x.txt")), true);
     EXPECT_EQ(trace.getTraceNum(), 1);
+    trace.setWriteFile(Text(folder.file("none/x.txt")), false);
+    EXPECT_EQ(trace.getTraceNum(), 1);
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "none"));
+}
+
+TEST(CzbTrace, AppendedQueueOfAnyLengthIsWrittenWhole) {
+    TempFolder folder;
+    std::string name = folder.file("long.txt");
+    diagtest::writeBytes(name, "old" + kEol);
+    CzbTrace trace;
+    trace.setMode(CzbTrace::ModeQueue);
+    std::string expected = "old" + kEol;
+    for (int i = 0; i < 100; ++i) {
+        std::string text = std::to_string(i) + std::string(500, static_cast<char>('a' + i % 26));
+        trace.setTrace(Text("%s"), text.c_str());
+        expected += text + kEol;
+    }
+    // A text far longer than a message, queued by the host itself, with line ends inside.
+    std::string huge(40000, 'h');
+    huge[20000] = '\n';
+    char* block = static_cast<char*>(std::malloc(huge.size() + 1));
+    ASSERT_NE(block, nullptr);
+    std::memcpy(block, huge.c_str(), huge.size() + 1);
+    trace.m_queue.push_back(block);
+    huge.replace(20000, 1, kEol);
+    expected += huge + kEol;
+    trace.setTrace(Text("last"));
+    expected += "last" + kEol;
+
+    trace.setWriteFile(Text(name), true);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    const std::string written = diagtest::readBytes(name);
+    EXPECT_EQ(written.size(), expected.size());
+    EXPECT_TRUE(written == expected)
+        << "first difference at "
+        << std::mismatch(written.begin(), written.end(), expected.begin()).first - written.begin();
 }
 
 TEST(CzbTrace, FileModeWritesOneLineEach) {
@@ -101,6 +139,22 @@ TEST(CzbTrace, FileModeWritesOneLineEach) {
     EXPECT_STREQ(copy.m_fileName, trace.m_fileName);
     copy.setTrace(Text("from copy"));
     EXPECT_EQ(diagtest::readBytes(folder.path() / "new.txt"), "from copy" + kEol);
+    CzbTrace assigned;
+    assigned = trace;
+    EXPECT_NE(assigned.m_fileName, trace.m_fileName);
+    assigned.setTrace(Text("from assigned"));
+    EXPECT_EQ(diagtest::readLines(folder.path() / "new.txt").back(), "from assigned");
+
+    // A trace file that cannot be opened any more loses the message; the next one tries again.
+    std::string inFolder = folder.file("sub/trace.txt");
+    std::filesystem::create_directory(folder.path() / "sub");
+    ASSERT_TRUE(trace.setTraceFileName(Text(inFolder), true));
+    std::filesystem::remove_all(folder.path() / "sub");
+    trace.setTrace(Text("lost"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "sub"));
+    std::filesystem::create_directory(folder.path() / "sub");
+    trace.setTrace(Text("back"));
+    EXPECT_EQ(diagtest::readBytes(inFolder), "back" + kEol);
 }
 
 TEST(CzbTrace, CopiesOwnTheirTexts) {

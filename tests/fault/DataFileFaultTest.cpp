@@ -5,7 +5,9 @@
 #include <zbBase/datafiles/CzbFileMgrAdv.h>
 #include <zbBase/datafiles/CzbFileMgrB.h>
 
+#include "support/zbDescriptorLimit.h"
 #include "support/zbFaults.h"
+#include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -15,20 +17,13 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #if !defined(_WIN32)
 
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZB_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ZB_SANITIZED 1
-#endif
-#endif
 
 namespace fs = std::filesystem;
 using zbtest::Text;
@@ -116,45 +111,6 @@ struct Writers {
 const char* const kKinds[] = {"savefile", "CzbFileMgr::MakeFile", "CzbFileMgrB::MakeFile",
                               "writeFile"};
 
-// Runs the body in a child process whose address space is limited to `bytes`; the body's
-// result, 125 when an exception left it, or -1 when the child died.
-int withAddressSpace(rlim_t bytes, const std::function<int()>& body) {
-    pid_t child = fork();
-    if (child < 0) {
-        return -1;
-    }
-    if (child == 0) {
-        rlimit limit{bytes, bytes};
-        if (setrlimit(RLIMIT_AS, &limit) != 0) {
-            _exit(126);
-        }
-        int result = 125; // an exception left the body
-        try {
-            result = body();
-        } catch (...) {
-        }
-        _exit(result);
-    }
-    int status = 0;
-    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
-        return -1;
-    }
-    return WEXITSTATUS(status);
-}
-
-// Address space the process holds now.
-rlim_t addressSpace() {
-    unsigned long pages = 0;
-    FILE* statm = std::fopen("/proc/self/statm", "r");
-    if (statm != nullptr) {
-        if (std::fscanf(statm, "%lu", &pages) != 1) {
-            pages = 0;
-        }
-        std::fclose(statm);
-    }
-    return static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
-}
-
 } // namespace
 
 TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnAFullDisk) {
@@ -198,6 +154,88 @@ TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnANearlyFullDisk) {
         }
         EXPECT_EQ(entries(disk.path()), 1u);
     }
+}
+
+TEST(DataFileFault, AFullDeviceFailsEveryWriterWhicheverWriteMeetsIt) {
+    // The stream's buffer fills at 4096 bytes; the first write past that point fails. Texts
+    // of every length in front of it move that point over every write of a line.
+    for (size_t pad = 1; pad <= 18; ++pad) {
+        CzbFileDB db;
+        db.setItem(Text("first"), Text(std::string(pad, 'p')));
+        char key[16], value[16];
+        for (int i = 0; i < 300; ++i) {
+            std::snprintf(key, sizeof key, "key%03d", i);
+            std::snprintf(value, sizeof value, "value%03d", i);
+            db.setItem(key, value);
+        }
+        EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
+    }
+    for (size_t pad = 1; pad <= 13; ++pad) {
+        zbBase::CzbFileMgr mgr;
+        mgr.SetTitle(Text("First"));
+        mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
+        char title[16];
+        for (int i = 0; i < 400; ++i) {
+            std::snprintf(title, sizeof title, "T%03d", i);
+            mgr.SetTitle(title);
+            mgr.SetAttribute(Text("n"), Text("v"));
+        }
+        EXPECT_FALSE(mgr.MakeFile(Text("/dev/full"))) << pad;
+    }
+    // A size table longer than the buffer, a block without data, a block with data.
+    std::string data(10000, 'd');
+    zbBase::CzbFileMgrAdv table, zeros, bytes;
+    for (int i = 0; i < 600; ++i) {
+        table.addDataSize(nullptr, 0);
+    }
+    zeros.addDataSize(nullptr, data.size());
+    bytes.addDataSize(&data[0], data.size());
+    for (zbBase::CzbFileMgrAdv* mgr : {&table, &zeros, &bytes}) {
+        EXPECT_FALSE(mgr->writeFile(Text("/dev/full"), 1.0f));
+    }
+    // A head longer than the buffer, given or left unset, and bodies: no result to give, and
+    // the device stays a device.
+    zbBase::CzbFileMgrB records;
+    records.SetDataSize(8192, 16);
+    records.MakeFile(Text("/dev/full"));
+    records.SetHead(&data[0]);
+    records.MakeFile(Text("/dev/full"));
+    records.SetDataSize(4, 4096);
+    records.AddBody(&data[0]);
+    records.AddBody(&data[0]);
+    records.MakeFile(Text("/dev/full"));
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST(DataFileFault, DescriptorsRunningOut) {
+    ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED();
+    zbtest::TempFolder dir;
+    Writers writers;
+    std::string old[4];
+    for (int kind = 0; kind < 4; ++kind) {
+        const std::string path = dir.file("file" + std::to_string(kind));
+        ASSERT_TRUE(writers.write(path, kind, 0));
+        old[kind] = zbtest::readBytes(path);
+    }
+    zbtest::Text blocks(dir.file("file3"));
+    zbtest::Text edit("edit");
+    zbBase::CzbFileMgrAdv mgr;
+    {
+        // One descriptor: the file to edit opens, the file beside it cannot be made.
+        zbtest::DescriptorLimit limit(1);
+        EXPECT_FALSE(mgr.editFile(blocks, 1, edit, 4));
+    }
+    {
+        zbtest::DescriptorLimit limit(0);
+        for (int kind = 0; kind < 4; ++kind) {
+            EXPECT_EQ(writers.write(dir.file("file" + std::to_string(kind)), kind, 1), kind == 2);
+        }
+        EXPECT_FALSE(mgr.editFile(blocks, 1, edit, 4));
+    }
+    for (int kind = 0; kind < 4; ++kind) {
+        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
+    }
+    EXPECT_EQ(entries(dir.path()), 4u);
 }
 
 TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
@@ -252,6 +290,40 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
     EXPECT_TRUE(zbtest::readBytes(path) == old);
     EXPECT_EQ(entries(dir.path()), 1u);
 
+    // A file of 600 blocks (a size table longer than one piece of the copy), edited under a
+    // limit at every 500 bytes of the new file: in the table, in the copied blocks, in the new
+    // block, and in the blocks behind it. Only the edit that fits is made.
+    const std::string many = dir.file("many.bin");
+    std::vector<std::string> blocks;
+    zbBase::CzbFileMgrAdv list;
+    for (int i = 0; i < 600; ++i) {
+        blocks.push_back(std::string(static_cast<size_t>(i % 40), static_cast<char>('a' + i % 26)));
+    }
+    for (std::string& block : blocks) {
+        list.addDataSize(block.empty() ? nullptr : &block[0], block.size());
+    }
+    ASSERT_TRUE(list.writeFile(Text(many), 0.5f));
+    const std::string before = zbtest::readBytes(many);
+    const size_t editedSize = before.size() - blocks[300].size() + 5000;
+    for (size_t limit = 0; limit < editedSize; limit += 500) {
+        {
+            zbtest::FileSizeLimit disk(limit);
+            ASSERT_FALSE(list.editFile(Text(many), 300, nullptr, 5000)) << limit;
+        }
+        ASSERT_TRUE(zbtest::readBytes(many) == before) << limit;
+    }
+    EXPECT_EQ(entries(dir.path()), 2u);
+    // With room, the edit gives the file that the list with the new block gives.
+    ASSERT_TRUE(list.editFile(Text(many), 300, nullptr, 5000)); // a block without data: zeros
+    list.setDataSize(300, nullptr, 5000);
+    list.setDataSize(600, &first[0], 1); // no such entry: nothing changes
+    list.setDataSize(-1, &first[0], 1);
+    const std::string expected = dir.file("expected.bin");
+    ASSERT_TRUE(list.writeFile(Text(expected), 0.5f));
+    EXPECT_EQ(zbtest::readBytes(many).size(), editedSize);
+    EXPECT_TRUE(zbtest::readBytes(many) == zbtest::readBytes(expected));
+    fs::remove(expected);
+
     zbtest::SmallTmpfs disk(256 * 1024);
     if (!disk.ok()) {
         GTEST_SKIP() << disk.why();
@@ -264,18 +336,10 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
     EXPECT_EQ(entries(disk.path()), 1u);
 }
 
-// The memory tests limit the address space of a child process; a sanitizer's shadow memory
-// does not fit such a limit.
-#if defined(ZB_SANITIZED)
-#define SKIP_WHEN_SANITIZED() GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
-#else
-#define SKIP_WHEN_SANITIZED()
-#endif
-
 const rlim_t kMiB = 1 << 20;
 
 TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A sparse head-and-body file of 2^40 bytes, under 1 GiB: longer than a 32-bit length can
     // say, so a failed read with nothing kept and nothing read, whatever the sizes, and no
@@ -298,11 +362,11 @@ TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
         mgr.SetDataSize(16, 4096);
         return mgr.OpenFile(Text(huge)) && mgr.m_readBodies.size() == 255 ? 0 : 3;
     };
-    EXPECT_EQ(withAddressSpace(1024 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A body size of 1 on an 8 MiB file: the bytes once and a pointer per body (some 72 MiB),
     // not a heap block per body.
@@ -326,11 +390,69 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         zbBase::CzbFileMgrB copy(mgr); // one more image, not 8 million blocks
         return *copy.m_readBodies.back() == bytes.back() ? 0 : 3;
     };
-    EXPECT_EQ(withAddressSpace(addressSpace() + 192 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, body), 0);
+}
+
+TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
+    ZBTEST_SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    // Sparse files: they cost no disk, only what a reader makes of them.
+    const std::string image = dir.file("image.bin");
+    zbtest::writeBytes(image, "head");
+    ASSERT_EQ(truncate(image.c_str(), 48 << 20), 0);
+    const std::string pointers = dir.file("pointers.bin");
+    zbtest::writeBytes(pointers, "");
+    ASSERT_EQ(truncate(pointers.c_str(), 8 << 20), 0);
+    auto records = [&] {
+        zbBase::CzbFileMgrB mgr;
+        mgr.SetDataSize(4, 1);
+        // The image of 48 MiB does not fit; nor does a pointer per body of 8 MiB; nor do the
+        // bytes of a device without end.
+        if (mgr.OpenFile(Text(image)) || mgr.GetHeadData() != nullptr) {
+            return 1;
+        }
+        if (mgr.OpenFile(Text(pointers)) || !mgr.m_readBodies.empty()) {
+            return 2;
+        }
+        if (mgr.OpenFile(Text("/dev/zero")) || mgr.GetHeadData() != nullptr) {
+            return 3;
+        }
+        // A read side that fits once but not twice: the copy throws, and nothing is lost.
+        mgr.SetDataSize(4, 1 << 20);
+        if (truncate(image.c_str(), 4 + (24 << 20)) != 0 || !mgr.OpenFile(Text(image)) ||
+            mgr.m_readBodies.size() != 24) {
+            return 4;
+        }
+        try {
+            zbBase::CzbFileMgrB copy(mgr);
+            return 5;
+        } catch (const std::bad_alloc&) {
+        }
+        return mgr.m_readBodies.size() == 24 ? 0 : 6;
+    };
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 40 * kMiB, records), 0);
+
+    // A block file of 1 GiB whose header claims a block for every 8 bytes behind it: the size
+    // table does not fit, and the edit fails with the file as it was.
+    const std::string blocks = dir.file("blocks.bin");
+    std::string header(152, '\0');
+    const unsigned long long count = ((1ull << 30) - 152) / 8;
+    for (int i = 0; i < 8; ++i) {
+        header[16 + i] = static_cast<char>(count >> (8 * i));
+    }
+    zbtest::writeBytes(blocks, header);
+    ASSERT_EQ(truncate(blocks.c_str(), 1ll << 30), 0);
+    auto edit = [&] {
+        zbBase::CzbFileMgrAdv mgr;
+        return mgr.editFile(Text(blocks), 0, Text("x"), 1) ? 1 : 0;
+    };
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 64 * kMiB, edit), 0);
+    EXPECT_EQ(fs::file_size(blocks), 1ull << 30);
+    EXPECT_EQ(entries(dir.path()), 3u);
 }
 
 TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // Three million empty lines under one title are three million records of 384 bytes each:
     // more than 1 GiB holds. The read fails with an empty table, and no exception leaves.
@@ -343,11 +465,11 @@ TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
         }
         return mgr.m_title[0] == '\0' ? 0 : 2;
     };
-    EXPECT_EQ(withAddressSpace(1024 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // An item file that does not fit: the object stays as it was, old values included.
     const std::string items = dir.file("items.txt");
@@ -375,11 +497,11 @@ TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
         CzbFileDB empty;
         return !empty.openfile(Text(items)) && empty.m_items.empty() ? 0 : 3;
     };
-    EXPECT_EQ(withAddressSpace(addressSpace() + 96 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 96 * kMiB, body), 0);
 }
 
 TEST(DataFileFault, EditOfAFileWithAHugeSparseBlock) {
-    SKIP_WHEN_SANITIZED();
+    ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // Blocks of 512 MiB (sparse) and 3 bytes: editing the first holds no block in memory.
     const std::string blocks = dir.file("blocks.bin");
@@ -401,7 +523,7 @@ TEST(DataFileFault, EditOfAFileWithAHugeSparseBlock) {
     std::fclose(tail);
 
     auto body = [&] { return mgr.editFile(Text(blocks), 0, Text("xy"), 2) ? 0 : 1; };
-    EXPECT_EQ(withAddressSpace(addressSpace() + 64 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 64 * kMiB, body), 0);
     const std::string edited = zbtest::readBytes(blocks);
     EXPECT_EQ(edited.size(), 152u + 16u + 5u);
     EXPECT_EQ(edited.substr(168), "xyabc");

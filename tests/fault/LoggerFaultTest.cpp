@@ -2,8 +2,11 @@
 // the file; every other record carries "(File Open Fail)" in the ring, resetLogCount(1) still
 // returns, and the next record after a failed write starts on a line of its own.
 #include <zbBase/diagnostics/CzbLogger.h>
+#include <zbBase/platform/detail/zbpThread.h>
 
+#include "support/zbDescriptorLimit.h"
 #include "support/zbFaults.h"
+#include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +19,10 @@
 
 #if !defined(_WIN32)
 
+#include <cstring>
 #include <ctime>
+#include <new>
+#include <pthread.h>
 #include <stdio.h>
 #include <unistd.h>
 
@@ -205,6 +211,59 @@ TEST(LoggerFault, FullDiskKeepsEveryRecordSavedOrMarked) {
     EXPECT_LT(whole, 40);
 }
 
+TEST(LoggerFault, EveryFileThatTheDiskCutGetsItsLineEnded) {
+    // One pass over records of two days fills both days' files; each file's next record
+    // starts on a line of its own, whichever file the saver wrote last.
+    zbtest::TempFolder dir;
+    const std::string prefix = dir.file("Days");
+    CzbLogger logger(64, 128);
+    const SYSTEMTIME days[2] = {{2026, 11, 4, 19, 10, 0, 0, 0}, {2026, 11, 5, 20, 10, 0, 0, 0}};
+    const std::string names[2] = {prefix + "_261119.log", prefix + "_261120.log"};
+    for (int i = 0; i < 20; ++i) {
+        logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+        logger.m_logData[i].time = days[i / 10];
+    }
+    {
+        zbtest::FileSizeLimit limit(1000); // 8 lines of 114 bytes, and part of the ninth
+        // A period that never ends by itself: after the first pass, passes come from
+        // resetLogCount(1) only.
+        logger.setWriteFileMode(zbtest::Text(prefix), 600000);
+        logger.resetLogCount(1);
+    }
+    std::string lines[2];
+    for (int i = 0; i < 20; ++i) {
+        const CzbLogger::_LoggerData& record = logger.m_logData[i];
+        EXPECT_EQ(marked(record), i % 10 >= 8) << i;
+        if (i % 10 < 8) {
+            lines[i / 10] += lineOf(i, record.time, textOf(i)) + "\n";
+        }
+    }
+    for (int day = 0; day < 2; ++day) {
+        const std::string bytes = zbtest::readBytes(names[day]);
+        ASSERT_EQ(bytes.size(), 1000u);
+        EXPECT_EQ(bytes.substr(0, lines[day].size()), lines[day]);
+    }
+
+    // Space is back: a record for each day, dated under the ring's lock so that no pass sees
+    // them before.
+    {
+        zbp::CriticalSectionGuard guard(&logger.m_lock);
+        logger.setLog(zbtest::Text("first day again"));
+        logger.setLog(zbtest::Text("second day again"));
+        logger.m_logData[0].time = days[0];
+        logger.m_logData[1].time = days[1];
+    }
+    logger.resetLogCount(1);
+    for (int day = 0; day < 2; ++day) {
+        std::vector<std::string> inFile = zbtest::readLines(names[day]);
+        ASSERT_EQ(inFile.size(), 10u);
+        EXPECT_EQ(inFile[9],
+                  lineOf(day, days[day], day == 0 ? "first day again" : "second day again"));
+        EXPECT_EQ(inFile[8], lineOf(10 * day + 8, days[day], textOf(10 * day + 8))
+                                 .substr(0, 1000 - lines[day].size()));
+    }
+}
+
 TEST(LoggerFault, FullDeviceMarksEveryRecord) {
     zbtest::TempFolder dir;
     for (const std::string& day : dayStamps()) {
@@ -221,11 +280,16 @@ TEST(LoggerFault, FullDeviceMarksEveryRecord) {
     }
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 
-    TaggedLogger tagged(16, 64);
-    tagged.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
+    TaggedLogger tagged(16, 8192);
     tagged.setLog(zbtest::Text("tagged"));
+    // A record longer than the stream's buffer fails inside its write, not at its flush.
+    tagged.setLog(zbtest::Text("x"));
+    std::memset(tagged.m_logData[1].text, 'l', 6000);
+    tagged.m_logData[1].text[6000] = '\0';
+    tagged.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
     tagged.resetLogCount(1);
     EXPECT_EQ(tagged.m_logData[0].text, "tagged" + kMark);
+    EXPECT_EQ(tagged.m_logData[1].text, std::string(6000, 'l') + kMark);
 }
 
 TEST(LoggerFault, SmallDiskThatFillsAndGetsSpaceBack) {
@@ -306,6 +370,69 @@ TEST(LoggerFault, ReadOnlyFolderAndFileForAnUnprivilegedUser) {
     for (const std::string& day : dayStamps()) {
         EXPECT_EQ(zbtest::readBytes(dir.file("Locked_" + day + ".log")), "kept\n");
     }
+}
+
+TEST(LoggerFault, NoSaverRunsWithoutMemoryForItsBufferOrItsThread) {
+    ZBTEST_SKIP_WHEN_SANITIZED();
+    zbtest::TempFolder dir;
+    const std::string prefix = dir.file("Memory");
+    int rc = zbtest::withAddressSpace(zbtest::addressSpace() + (64 << 20), [&] {
+        // A ring that does not fit: the allocator's exception reaches the caller.
+        try {
+            CzbLogger huge(1000, 1 << 20);
+            return 1;
+        } catch (const std::bad_alloc&) {
+        }
+        // No memory for the saver's buffer: no saver, and the logger keeps its records.
+        CzbLogger logger(8, 64);
+        zbtest::Text name(prefix);
+        {
+            zbtest::MemoryHog hog;
+            logger.setWriteFileMode(name, 1);
+        }
+        if (logger.m_threadState.load() != 0) {
+            return 2;
+        }
+        logger.setLog(zbtest::Text("in memory"));
+        logger.resetLogCount(1); // nobody to wait for
+        // No room for a thread's stack: the thread cannot start, and the same holds.
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setstacksize(&attributes, size_t(1) << 30);
+        if (pthread_setattr_default_np(&attributes) != 0) {
+            return 3;
+        }
+        CzbLogger unstarted(8, 64);
+        unstarted.setWriteFileMode(zbtest::Text(prefix), 1);
+        if (unstarted.m_threadState.load() != 0) {
+            return 4;
+        }
+        unstarted.setLog(zbtest::Text("kept"));
+        unstarted.resetLogCount(1);
+        return std::string(unstarted.m_logData[0].text) == "kept" ? 0 : 5;
+    });
+    EXPECT_EQ(rc, 0);
+    EXPECT_TRUE(fs::is_empty(dir.path()));
+}
+
+TEST(LoggerFault, NoDescriptorLeftMarksTheRecords) {
+    ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED();
+    zbtest::TempFolder dir;
+    CzbLogger logger(16, 64);
+    zbtest::Text format("%s");
+    {
+        zbtest::DescriptorLimit limit(0);
+        logger.setWriteFileMode(zbtest::Text(dir.file("Fd")), 1);
+        logger.setLog(format, "first");
+        logger.setLog(format, "second");
+        logger.resetLogCount(1);
+    }
+    EXPECT_EQ(logger.m_logData[0].text, "first" + kMark);
+    EXPECT_EQ(logger.m_logData[1].text, "second" + kMark);
+    EXPECT_TRUE(fs::is_empty(dir.path()));
+    logger.setLog(format, "third");
+    logger.resetLogCount(1);
+    EXPECT_EQ(linesIn(dir.path()).size(), 1u);
 }
 
 #endif

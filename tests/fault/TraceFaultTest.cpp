@@ -2,13 +2,18 @@
 // in the file, a replaced file survives a failed write, and no line continues a cut one.
 #include <zbBase/diagnostics/CzbTrace.h>
 
+#include "support/zbDescriptorLimit.h"
 #include "support/zbFaults.h"
+#include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #if !defined(_WIN32)
@@ -108,6 +113,113 @@ TEST(TraceFault, ReplacingAFileFailsWholeAndKeepsTheOldFileAndTheQueue) {
     trace.setWriteFile(zbtest::Text(name), false);
     EXPECT_EQ(trace.getTraceNum(), 0);
     EXPECT_EQ(zbtest::readLines(name).size(), 100u);
+}
+
+TEST(TraceFault, ATextLongerThanARunLeavesTheQueueOnlyWhole) {
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("long.txt");
+    CzbTrace trace;
+    const std::string huge(40000, 'h');
+    char* block = static_cast<char*>(malloc(huge.size() + 1));
+    ASSERT_NE(block, nullptr);
+    memcpy(block, huge.c_str(), huge.size() + 1);
+    trace.m_queue.push_back(block); // queued by the host: far longer than one write of the queue
+    {
+        zbtest::FileSizeLimit limit(20000); // a later piece of the text is cut
+        trace.setWriteFile(zbtest::Text(name), true);
+    }
+    EXPECT_EQ(trace.getTraceNum(), 1);
+    EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000));
+    {
+        // Room for a line end and the whole text, not for the line end behind it.
+        zbtest::FileSizeLimit limit(20000 + 1 + 40000);
+        trace.setWriteFile(zbtest::Text(name), true);
+    }
+    EXPECT_EQ(trace.getTraceNum(), 1);
+    EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000) + "\n" + huge);
+    trace.setWriteFile(zbtest::Text(name), true);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000) + "\n" + huge + "\n" + huge + "\n");
+}
+
+TEST(TraceFault, DevicesAreWrittenWhereTheyStand) {
+    // A full device refuses every queue, whichever write meets the end of the stream's buffer:
+    // the queue stays whole.
+    for (size_t first = 0; first < 512; ++first) {
+        CzbTrace trace;
+        trace.setMode(CzbTrace::ModeQueue);
+        trace.setTrace(zbtest::Text("%s"), std::string(first, 'f').c_str());
+        for (int i = 0; i < 10; ++i) {
+            trace.setTrace(zbtest::Text("%s"),
+                           std::string(511, static_cast<char>('0' + i)).c_str());
+        }
+        trace.setWriteFile(zbtest::Text("/dev/full"), false);
+        ASSERT_EQ(trace.getTraceNum(), 11) << first;
+        ASSERT_EQ(strlen(trace.getTraceFront()), first);
+    }
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+
+    // The null device takes every line, and stays what it is.
+    CzbTrace trace;
+    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text("/dev/null"), true));
+    trace.setTrace(zbtest::Text("to nowhere"));
+    queueMessages(trace, 3);
+    trace.setWriteFile(zbtest::Text("/dev/null"), false);
+    EXPECT_EQ(trace.getTraceNum(), 0);
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST(TraceFault, AMessageWithoutMemoryIsDroppedAndTheLockReleased) {
+    ZBTEST_SKIP_WHEN_SANITIZED();
+    int rc = zbtest::withAddressSpace(zbtest::addressSpace() + (32 << 20), [&] {
+        CzbTrace trace;
+        queueMessages(trace, 1);
+        zbtest::Text format("%s");
+        const std::string dropped = message(1);
+        {
+            zbtest::MemoryHog hog;
+            trace.setTrace(format, dropped.c_str());
+        }
+        if (trace.getTraceNum() != 1) {
+            return 1;
+        }
+        // The lock is free again, for this thread and for any other.
+        std::thread other([&] { trace.setTrace(zbtest::Text("%s"), message(2).c_str()); });
+        other.join();
+        char text[512];
+        trace.getTracePop(text);
+        return trace.getTraceNum() == 1 && message(0) == text && message(2) == trace.getTraceFront()
+                   ? 0
+                   : 2;
+    });
+    EXPECT_EQ(rc, 0);
+}
+
+TEST(TraceFault, DescriptorsRunningOut) {
+    ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED();
+    zbtest::TempFolder dir;
+    const std::string name = dir.file("trace.txt");
+    zbtest::writeBytes(name, "host text"); // ends inside a line
+    CzbTrace trace;
+    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text(name), false));
+    zbtest::Text other(dir.file("other.txt"));
+    zbtest::Text format("%s");
+    {
+        // No descriptor left: the message is lost, and no other file can be named.
+        zbtest::DescriptorLimit limit(0);
+        trace.setTrace(format, "lost");
+        EXPECT_FALSE(trace.setTraceFileName(other, true));
+    }
+    EXPECT_EQ(zbtest::readBytes(name), "host text");
+    EXPECT_FALSE(fs::exists(dir.file("other.txt")));
+    {
+        // One descriptor: the file opens, but its end cannot be looked at, and the file is
+        // taken as it stands.
+        zbtest::DescriptorLimit limit(1);
+        trace.setTrace(format, "written");
+    }
+    trace.setTrace(format, "next");
+    EXPECT_EQ(zbtest::readBytes(name), "host textwritten\nnext\n");
 }
 
 #endif

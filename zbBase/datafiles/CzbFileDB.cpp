@@ -239,11 +239,8 @@ int CzbFileDB::deleteItem(char* key) {
     }
     ItemMap::iterator found = m_items.find(CStringT(key));
     if (found != m_items.end()) {
-        std::vector<ItemMap::iterator>::iterator place =
-            std::find(m_order.begin(), m_order.end(), found);
-        if (place != m_order.end()) {
-            m_order.erase(place);
-        }
+        // m_order refers to every entry exactly once.
+        m_order.erase(std::find(m_order.begin(), m_order.end(), found));
         m_items.erase(found);
     }
     return 0;

@@ -127,8 +127,9 @@ bool CzbLogger::buildName(char* name, size_t bytes, const zbBase::zbSystemTime& 
         length = snprintf(name, bytes, "%s_%02d%02d%02d.log", m_filePrefix, t.wYear % 100, t.wMonth,
                           t.wDay);
     }
-    // A name cut to fit would be another file: such a record counts as not openable.
-    return length > 0 && static_cast<size_t>(length) < bytes;
+    // A name cut to fit would be another file: such a record counts as not openable. (A
+    // negative length, an error of the formatter, converts to a size beyond any buffer.)
+    return static_cast<size_t>(length) < bytes;
 }
 
 void CzbLogger::funcLogFileSave() {

@@ -52,9 +52,6 @@ CzbLogger::_LoggerData* LoggerShared::makeRing(int count, int textBytes) {
 }
 
 void LoggerShared::freeRing(CzbLogger::_LoggerData* ring, int count) {
-    if (ring == nullptr) {
-        return;
-    }
     for (int i = 0; i < count; ++i) {
         delete[] ring[i].text;
     }

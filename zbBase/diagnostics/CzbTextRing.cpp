@@ -154,12 +154,13 @@ struct Ring {
     }
 };
 
-// Moves the cursor on by one slot and gives that slot.
+// Moves the cursor on by one slot and gives that slot. A cursor that a host set outside the
+// ring (the largest int included) still gives a slot of it.
 int advance(std::atomic<int>& cursor, int count) {
     int current = cursor.load();
     int slot;
     do {
-        slot = (current + 1) % count;
+        slot = static_cast<int>((static_cast<long long>(current) + 1) % count);
         if (slot < 0) {
             slot += count;
         }
@@ -176,9 +177,7 @@ CzbText::CzbText()
 CzbText::CzbText(const CzbText& other)
     : m_buffers(other.m_buffers), m_bufferSizes(other.m_bufferSizes),
       m_bufferNum(other.m_bufferNum), m_current(other.m_current.load()) {
-    if (m_buffers != nullptr) {
-        Ring(m_buffers).head->holders.fetch_add(1);
-    }
+    Ring(m_buffers).head->holders.fetch_add(1);
 }
 
 CzbText::~CzbText() {
@@ -189,9 +188,7 @@ CzbText& CzbText::operator=(const CzbText& other) {
     if (this == &other) {
         return *this;
     }
-    if (other.m_buffers != nullptr) {
-        Ring(other.m_buffers).head->holders.fetch_add(1);
-    }
+    Ring(other.m_buffers).head->holders.fetch_add(1);
     release();
     m_buffers = other.m_buffers;
     m_bufferSizes = other.m_bufferSizes;
@@ -200,10 +197,9 @@ CzbText& CzbText::operator=(const CzbText& other) {
     return *this;
 }
 
+// Gives up this object's hold on its slots. Every object holds slots from its construction on:
+// release() is followed by a new hold or by the end of the object.
 void CzbText::release() {
-    if (m_buffers == nullptr) {
-        return;
-    }
     Ring ring(m_buffers);
     if (ring.head->holders.load(std::memory_order_acquire) != 1) {
         // Others go on with the slots: this object's texts that stand in them become anyone's,

@@ -87,19 +87,24 @@ void appendQueue(AppendFile& file, std::deque<char*>& queue) {
         }
         if (lines == 0) {
             // A message longer than a run (one the host queued itself) goes out in pieces.
+            // Only the first piece may need a line end in front of it; the others continue
+            // the line that it began.
             const char* text = queue.front();
             size_t length = strlen(text);
             const size_t piece = (sizeof run - kTextEolLength) / kTextEolLength;
+            bool first = true;
             while (length > 0) {
                 size_t part = length < piece ? length : piece;
                 size_t bytes = copyAsTextMode(run, text, part);
-                if (file.append(run, bytes) != bytes) {
+                size_t written = first ? file.append(run, bytes) : file.continueLine(run, bytes);
+                if (written != bytes) {
                     return;
                 }
+                first = false;
                 text += part;
                 length -= part;
             }
-            if (file.append(kTextEol, kTextEolLength) != kTextEolLength) {
+            if (file.continueLine(kTextEol, kTextEolLength) != kTextEolLength) {
                 return;
             }
             free(queue.front());
@@ -253,7 +258,8 @@ void CzbTrace::clear() {
 bool CzbTrace::setTraceFileName(char* name, bool truncate) {
     zbp::CriticalSectionGuard guard(&m_lock);
     FILE* file = nullptr;
-    if (zbp::fopen_s(&file, name, truncate ? "w" : "a") != 0 || file == nullptr) {
+    // fopen_s gives 0 with a stream, and an error code without one.
+    if (zbp::fopen_s(&file, name, truncate ? "w" : "a") != 0) {
         return false;
     }
     fclose(file);

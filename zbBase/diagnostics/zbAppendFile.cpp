@@ -98,9 +98,13 @@ bool AppendFile::startLine() {
 }
 
 size_t AppendFile::append(const char* bytes, size_t length) {
-    if (m_file == nullptr || !startLine()) {
+    if (!startLine()) {
         return 0;
     }
+    return continueLine(bytes, length);
+}
+
+size_t AppendFile::continueLine(const char* bytes, size_t length) {
     // Unbuffered: the count is what the system took.
     const size_t written = fwrite(bytes, 1, length, m_file);
     if (written != length) {

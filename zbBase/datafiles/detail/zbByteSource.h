@@ -26,9 +26,7 @@ public:
 class FileSource : public ByteSource {
 public:
     explicit FileSource(FILE* file) : m_file(file) {}
-    size_t read(void* buffer, size_t size) override {
-        return size == 0 ? 0 : std::fread(buffer, 1, size, m_file);
-    }
+    size_t read(void* buffer, size_t size) override { return std::fread(buffer, 1, size, m_file); }
     bool skip(long offset) override { return std::fseek(m_file, offset, SEEK_CUR) == 0; }
     bool failed() const override { return std::ferror(m_file) != 0; }
 

@@ -40,6 +40,7 @@ public:
     // The ring of `count` records, each with a zeroed text block of `textBytes`, behind a
     // LoggerShared; the allocator's exception passes on with nothing left allocated.
     static CzbLogger::_LoggerData* makeRing(int count, int textBytes);
+    // Releases a ring that makeRing made (never null: a logger always holds its ring).
     static void freeRing(CzbLogger::_LoggerData* ring, int count);
     static LoggerShared& of(CzbLogger::_LoggerData* ring);
 

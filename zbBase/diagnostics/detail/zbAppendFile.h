@@ -61,9 +61,13 @@ public:
     // What is known of the end of the file after the writes so far.
     End end() const { return m_end; }
 
-    // Writes length bytes behind a line end where the file needs one; returns how many of the
-    // bytes reached the file: all of them, or fewer when a write failed.
+    // Writes length bytes to the open file, behind a line end where the file needs one;
+    // returns how many of the bytes reached the file: all of them, or fewer when a write
+    // failed.
     size_t append(const char* bytes, size_t length);
+    // Writes length bytes where the last append() or continueLine() stopped, which wrote all
+    // of its bytes: the next piece of a line written in pieces. Returns as append() does.
+    size_t continueLine(const char* bytes, size_t length);
 
     // Before a record written through stream(): false when the file needed a line end and it
     // could not be written (the record must not be written then).

@@ -1,0 +1,136 @@
+// Memory that runs out on demand (POSIX only): a test body runs in a child process whose
+// address space is limited, so an allocation fails there and nowhere else.
+//
+//   int rc = zbtest::withAddressSpace(zbtest::addressSpace() + (64 << 20), [&] {
+//       return library_call() ? 0 : 1;
+//   });
+//   // the body's result; 125 when an exception left the body, 126 when the limit could not
+//   // be set, -1 when the child died
+//
+//   zbtest::MemoryHog hog;       // inside such a child: every allocation fails until the hog
+//                                // goes, small ones too
+//
+// A sanitizer's shadow memory does not fit such a limit: such tests begin with
+// ZBTEST_SKIP_WHEN_SANITIZED().
+// In a build with coverage counters the child writes its counters before it ends, so that
+// what it ran counts as the rest of the suite does.
+#pragma once
+
+#if !defined(_WIN32)
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ZBTEST_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ZBTEST_SANITIZED 1
+#endif
+#endif
+
+// A test that limits the address space skips under a sanitizer.
+#if defined(ZBTEST_SANITIZED)
+#define ZBTEST_SKIP_WHEN_SANITIZED()                                                               \
+    GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
+#else
+#define ZBTEST_SKIP_WHEN_SANITIZED()
+#endif
+
+#if defined(__GNUC__)
+// Present only where the program was built with coverage counters: every counted object file
+// calls it when it is loaded.
+extern "C" void __gcov_init(void*) __attribute__((weak));
+#endif
+
+namespace zbtest {
+
+// Ends a child process of a test at once, without the exit handlers that it shares with the
+// parent, except where coverage counters are kept: there the exit handlers run, so that the
+// counters are written.
+[[noreturn]] inline void endChild(int code) {
+#if defined(__GNUC__)
+    if (__gcov_init != nullptr) {
+        std::exit(code);
+    }
+#endif
+    _exit(code);
+}
+
+// Address space that the process holds now.
+inline rlim_t addressSpace() {
+    unsigned long pages = 0;
+    FILE* statm = std::fopen("/proc/self/statm", "r");
+    if (statm != nullptr) {
+        if (std::fscanf(statm, "%lu", &pages) != 1) {
+            pages = 0;
+        }
+        std::fclose(statm);
+    }
+    return static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+}
+
+inline int withAddressSpace(rlim_t bytes, const std::function<int()>& body) {
+    std::fflush(nullptr); // nothing buffered is written twice
+    pid_t child = fork();
+    if (child < 0) {
+        return -1;
+    }
+    if (child == 0) {
+        rlimit limit{bytes, bytes};
+        if (setrlimit(RLIMIT_AS, &limit) != 0) {
+            endChild(126);
+        }
+        int result = 125;
+        try {
+            result = body();
+        } catch (...) {
+        }
+        endChild(result);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFEXITED(status)) {
+        return -1;
+    }
+    return WEXITSTATUS(status);
+}
+
+// Takes every block that the allocator still gives, from large ones down to each small size,
+// and gives them back when it goes. Meant for a child under withAddressSpace.
+class MemoryHog {
+public:
+    MemoryHog() {
+        for (size_t size = size_t(1) << 24; size >= 2048; size /= 2) {
+            take(size);
+        }
+        for (size_t size = 2048; size >= sizeof(void*); size -= sizeof(void*)) {
+            take(size);
+        }
+    }
+    ~MemoryHog() {
+        while (m_last != nullptr) {
+            void* next = *static_cast<void**>(m_last);
+            std::free(m_last);
+            m_last = next;
+        }
+    }
+    MemoryHog(const MemoryHog&) = delete;
+    MemoryHog& operator=(const MemoryHog&) = delete;
+
+private:
+    void take(size_t size) {
+        for (void* block; (block = std::malloc(size)) != nullptr;) {
+            *static_cast<void**>(block) = m_last;
+            m_last = block;
+        }
+    }
+    void* m_last = nullptr;
+};
+
+} // namespace zbtest
+
+#endif
