@@ -116,6 +116,28 @@ TEST(zbpAtomicFile, LinksLeadToTheFileTheyName) {
     EXPECT_TRUE(fs::is_symlink(root / "sub" / "hop"));
 }
 
+TEST(zbpAtomicFile, ANameAtTheSystemsLimitIsWrittenThroughAShortNewName) {
+    zbtest::TempFolder dir;
+    const std::string target = dir.file(std::string(255, 'n'));
+    zbtest::writeBytes(target, "old");
+    zbp::AtomicFile file;
+    ASSERT_TRUE(file.open(target.c_str(), "wb"));
+    // The new file stands in the same folder under a short name.
+    EXPECT_EQ(fs::path(file.temporaryPath()).parent_path(), dir.path());
+    EXPECT_EQ(fs::path(file.temporaryPath()).filename().string().size(), 13u);
+    ASSERT_TRUE(write(file, "new"));
+    ASSERT_TRUE(file.commit());
+    EXPECT_EQ(zbtest::readBytes(target), "new");
+    EXPECT_EQ(entries(dir.path()), 1u);
+    // A name the system refuses anyway stays refused, and leaves nothing behind.
+    const std::string tooLong = dir.file(std::string(256, 'n'));
+    if (file.open(tooLong.c_str(), "wb")) {
+        write(file, "never");
+        EXPECT_FALSE(file.commit());
+    }
+    EXPECT_EQ(entries(dir.path()), 1u);
+}
+
 TEST(zbpAtomicFile, ADeviceThatRefusesWritesIsNoLongerGood) {
     zbp::AtomicFile device;
     ASSERT_TRUE(device.open("/dev/full", "wb"));

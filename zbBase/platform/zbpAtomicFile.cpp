@@ -25,6 +25,15 @@ namespace zbp {
 
 namespace {
 
+#if defined(_WIN32)
+const char kSeparators[] = "\\/";
+const size_t kMaxPath = 259;
+#else
+const char kSeparators[] = "/";
+const size_t kMaxPath = PATH_MAX - 1;
+#endif
+const size_t kMaxName = 255;
+
 // Six characters that differ between calls, threads and processes.
 std::string uniqueSuffix() {
     static std::atomic<unsigned long long> counter{0};
@@ -43,6 +52,24 @@ std::string uniqueSuffix() {
         n /= 32;
     }
     return text;
+}
+
+// A fresh name for the new file beside target: "<target>.~zbXXXXXX", or "<folder>~zbXXXXXX.tmp"
+// where the long form would pass the system's limits on a path or on one name in it; empty,
+// with ENAMETOOLONG, where neither fits.
+std::string temporaryName(const std::string& target, size_t maxPath, size_t maxName) {
+    const size_t separator = target.find_last_of(kSeparators);
+    const size_t folderLength = separator == std::string::npos ? 0 : separator + 1;
+    std::string candidate = target + ".~zb" + uniqueSuffix();
+    if (candidate.size() <= maxPath && candidate.size() - folderLength <= maxName) {
+        return candidate;
+    }
+    candidate = target.substr(0, folderLength) + "~zb" + uniqueSuffix() + ".tmp";
+    if (candidate.size() <= maxPath) {
+        return candidate;
+    }
+    errno = ENAMETOOLONG;
+    return std::string();
 }
 
 #if defined(_WIN32)
@@ -111,16 +138,9 @@ bool AtomicFile::open(const char* target, const char* mode) {
     }
     const bool text = isTextMode(mode);
     for (int attempt = 0; attempt < 100; ++attempt) {
-        std::string candidate = m_target + ".~zb" + uniqueSuffix();
-        if (candidate.size() > 259) {
-            size_t separator = m_target.find_last_of("\\/");
-            std::string folder =
-                separator == std::string::npos ? std::string() : m_target.substr(0, separator + 1);
-            candidate = folder + "~zb" + uniqueSuffix() + ".tmp";
-            if (candidate.size() > 259) {
-                errno = ENAMETOOLONG;
-                return false;
-            }
+        std::string candidate = temporaryName(m_target, kMaxPath, kMaxName);
+        if (candidate.empty()) {
+            return false;
         }
         int fd = _open(candidate.c_str(),
                        _O_CREAT | _O_EXCL | _O_WRONLY | _O_NOINHERIT | (text ? _O_TEXT : _O_BINARY),
@@ -210,7 +230,10 @@ bool AtomicFile::open(const char* target, const char* mode) {
         }
     }
     for (int attempt = 0; attempt < 100; ++attempt) {
-        std::string candidate = m_target + ".~zb" + uniqueSuffix();
+        std::string candidate = temporaryName(m_target, kMaxPath, kMaxName);
+        if (candidate.empty()) {
+            return false;
+        }
         int fd = ::open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd < 0) {
             if (errno == EEXIST) {

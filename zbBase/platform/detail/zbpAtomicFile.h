@@ -1,7 +1,7 @@
 // A whole file written beside its target and moved into place only when it is complete.
 //
 // open() creates a new file in the target's folder ("<name>.~zbXXXXXX", or "~zbXXXXXX.tmp"
-// where a Windows path would pass 259 characters); the caller writes it through stream() or
+// where that would pass the system's limit on a path or on one name); the caller writes it through stream() or
 // descriptor(). commit() flushes, syncs and closes it and then renames it over the target in
 // one step, so a reader sees either the old file or the whole new one, and a full disk, a
 // failed write or a crash before the rename leaves the old file as it was. Anything that
