@@ -33,7 +33,6 @@ CopyResult copyFile(const char* source, const char* target) {
         return kCopied;
     }
     zbp::AtomicFile out;
-    out.skipSync(); // a copy, as the platform's own copy leaves it to the write-back
     if (!out.open(target, "wb")) {
         fclose(in);
         return kNotOpened;

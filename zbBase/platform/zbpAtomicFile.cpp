@@ -171,8 +171,7 @@ bool AtomicFile::commit() {
     if (m_file == nullptr) {
         return false;
     }
-    bool ok = !m_failed && fflush(m_file) == 0 && ferror(m_file) == 0 &&
-              (!m_sync || _commit(_fileno(m_file)) == 0);
+    bool ok = !m_failed && fflush(m_file) == 0 && ferror(m_file) == 0;
     ok = fclose(m_file) == 0 && ok;
     m_file = nullptr;
     if (ok) {
@@ -273,9 +272,6 @@ bool AtomicFile::commit() {
     }
     const bool inPlace = m_temporary.empty();
     bool ok = !m_failed && fflush(m_file) == 0 && ferror(m_file) == 0;
-    if (ok && !inPlace && m_sync) {
-        ok = fsync(fileno(m_file)) == 0;
-    }
     int error = errno;
     ok = fclose(m_file) == 0 && ok;
     m_file = nullptr;

@@ -213,7 +213,6 @@ BOOL CopyFileA(const char* existingFile, const char* newFile, BOOL failIfExists)
         // The copy is made beside the target and renamed over it only when it is complete:
         // a failed copy leaves the old file as it was and nothing else behind.
         AtomicFile out;
-        out.skipSync(); // as Windows copies: the bytes are left to the write-back
         bool ok = out.open(newFile, "wb");
         if (ok) {
             const int fd = out.descriptor();
