@@ -1,9 +1,8 @@
 // Memory that runs out at a chosen allocation: the classes that promise to throw nothing keep
-// a consistent state and what they made, and those that pass std::bad_alloc on change
-// nothing. The test program replaces the global operator new; a FailingHeap in scope makes
-// this thread's allocations fail from a given one on, or above a given size, as an exhausted
-// heap would. POSIX only: a Windows program's replacement does not reach the runtime's own
-// allocations in the same way.
+// a consistent state and what they made; those that pass std::bad_alloc on change nothing. The
+// program replaces the global operator new, and failing() makes this thread's allocations fail
+// from a given one on, or only that one. POSIX only: a Windows program's
+// replacement does not reach the runtime's own allocations in the same way.
 #if !defined(_WIN32)
 
 #include <zbBase/numeric/CzbInterpolation.h>
@@ -23,47 +22,30 @@ namespace {
 
 thread_local long t_failFrom = -1;     // allocations from this index on fail; -1: none
 thread_local long t_failTo = LONG_MAX; //   up to this index, not included
-thread_local size_t t_failAbove = 0;   // allocations larger than this fail; 0: none
 thread_local long t_allocations = 0;   // allocations since the heap was armed
 thread_local long t_failures = 0;      // allocations refused since then
 
 void* allocate(size_t size) {
     const long index = t_allocations++;
-    if ((t_failFrom >= 0 && index >= t_failFrom && index < t_failTo) ||
-        (t_failAbove != 0 && size > t_failAbove)) {
+    if (t_failFrom >= 0 && index >= t_failFrom && index < t_failTo) {
         ++t_failures;
         return nullptr;
     }
     return std::malloc(size == 0 ? 1 : size);
 }
 
-// Arms this thread's heap for as long as it is in scope; allocations are counted from 0.
-class FailingHeap {
-public:
-    // The allocation of that index and all after it fail.
-    static FailingHeap from(long index) { return FailingHeap(index, LONG_MAX, 0); }
-    // Only the allocation of that index fails.
-    static FailingHeap at(long index) { return FailingHeap(index, index + 1, 0); }
-    // Every allocation larger than that fails.
-    static FailingHeap above(size_t bytes) { return FailingHeap(-1, LONG_MAX, bytes); }
-    FailingHeap(const FailingHeap&) = delete;
-    FailingHeap& operator=(const FailingHeap&) = delete;
-    ~FailingHeap() {
-        t_failFrom = -1;
-        t_failAbove = 0;
-    }
-    // Whether any allocation was refused so far.
-    bool refused() const { return t_failures != 0; }
-
-private:
-    FailingHeap(long from, long to, size_t bytes) {
-        t_allocations = 0;
-        t_failures = 0;
-        t_failTo = to;
-        t_failAbove = bytes;
-        t_failFrom = from;
-    }
-};
+// Runs `change` with this thread's allocations failing from the `from`-th on (only that one if
+// `once`), counted from 0; whether any was refused.
+template <class Change> bool failing(long from, bool once, Change change) {
+    struct Disarm {
+        ~Disarm() { t_failFrom = -1; }
+    } disarm;
+    t_allocations = t_failures = 0;
+    t_failTo = once ? from + 1 : LONG_MAX;
+    t_failFrom = from;
+    change();
+    return t_failures != 0;
+}
 
 // Out of line, so that the compiler does not take the pairs below for a block of operator
 // new released by free.
@@ -155,13 +137,7 @@ TEST(NumericFault, InterpolationCopiesStayWholeOrEmptyWhenMemoryFails) {
     // nothing, one without room for the results has the points alone.
     for (long from = 0;; ++from) {
         std::optional<CzbInterpolation> copy;
-        bool refused = false;
-        {
-            FailingHeap heap = FailingHeap::from(from);
-            copy.emplace(source);
-            refused = heap.refused();
-        }
-        if (!refused) {
+        if (!failing(from, false, [&] { copy.emplace(source); })) {
             EXPECT_EQ(points(*copy), sourcePoints);
             EXPECT_EQ(results(*copy), sourceResults);
             EXPECT_EQ(from, 2);
@@ -179,13 +155,7 @@ TEST(NumericFault, InterpolationCopiesStayWholeOrEmptyWhenMemoryFails) {
         target.AddPoint(6, 7);
         target.CaculationLinear(0);
         const Samples before = results(target);
-        bool refused = false;
-        {
-            FailingHeap heap = FailingHeap::from(from);
-            target = source;
-            refused = heap.refused();
-        }
-        if (!refused) {
+        if (!failing(from, false, [&] { target = source; })) {
             EXPECT_EQ(results(target), sourceResults);
             break;
         }
@@ -196,11 +166,10 @@ TEST(NumericFault, InterpolationCopiesStayWholeOrEmptyWhenMemoryFails) {
     // A point that memory cannot hold is dropped, at the end as at the front.
     CzbInterpolation grown = hump(); // a copy holds exactly its points: the next one allocates
     CzbInterpolation exact(grown);
-    {
-        FailingHeap heap = FailingHeap::from(0);
+    failing(0, false, [&] {
         exact.AddPoint(3, 9);
         exact.AddPoint(-1, 9);
-    }
+    });
     EXPECT_EQ(points(exact), points(hump()));
     exact.AddPoint(-1, 9);
     EXPECT_EQ(points(exact), (Samples{{-1, 9}, {0, 0}, {1, 1}, {2, 0}}));
@@ -227,12 +196,7 @@ TEST(NumericFault, InterpolationKeepsItsSamplesWhateverAllocationFails) {
         for (bool once : {false, true}) {
             for (long from = 0;; ++from) {
                 CzbInterpolation curve = hump();
-                bool refused = false;
-                {
-                    FailingHeap heap = once ? FailingHeap::at(from) : FailingHeap::from(from);
-                    calc.run(curve);
-                    refused = heap.refused();
-                }
+                const bool refused = failing(from, once, [&] { calc.run(curve); });
                 const Samples made = results(curve);
                 EXPECT_TRUE(isPrefix(made, whole)) << calc.name << " " << from;
                 if (!refused) {
@@ -245,36 +209,6 @@ TEST(NumericFault, InterpolationKeepsItsSamplesWhateverAllocationFails) {
     }
 }
 
-TEST(NumericFault, InterpolationStopsWhereLargeBlocksRunOut) {
-    // Small blocks come, none above 1 MiB: the room for 2^24 samples is refused, the list
-    // grows as the samples come, and sampling stops where it can grow no more.
-    auto kept = [](CzbInterpolation& curve, double step) {
-        const int n = curve.GetDataNum();
-        EXPECT_GE(n, 1000);
-        EXPECT_LE(n, (1 << 20) / 16);
-        EXPECT_EQ(curve.GetData(n - 1).x, step * (n - 1));
-        EXPECT_EQ(curve.GetData(n / 2).x, step * (n / 2));
-    };
-    CzbInterpolation curve;
-    curve.AddPoint(0.0, 0.0);
-    curve.AddPoint(1e12, 1e12);
-    {
-        FailingHeap heap = FailingHeap::above(1 << 20);
-        curve.CaculationLinear(0);
-    }
-    kept(curve, 1.0);
-    {
-        FailingHeap heap = FailingHeap::above(1 << 20);
-        curve.CaculationPolinomial(0.0, 1e12, 1.0);
-    }
-    kept(curve, 1.0);
-    {
-        FailingHeap heap = FailingHeap::above(1 << 20);
-        curve.CaculationCubicSpline(1e9);
-    }
-    kept(curve, 1e12 / 1e9);
-}
-
 TEST(NumericFault, WaypointListStaysAsItWasWhenMemoryFails) {
     CzbWaypoint list;
     for (int i = 0; i < 100; ++i) {
@@ -283,25 +217,20 @@ TEST(NumericFault, WaypointListStaysAsItWasWhenMemoryFails) {
     CzbWaypoint other;
     other.pointAdd(zbVector3d(7, 7, 7));
     const zbVector3d* block = list.m_points;
+    auto throws = [](auto change) {
+        try {
+            change();
+        } catch (const std::bad_alloc&) {
+            return 1;
+        }
+        return 0;
+    };
     int thrown = 0;
-    {
-        FailingHeap heap = FailingHeap::from(0);
-        try {
-            list.pointAdd(zbVector3d(1, 2, 3));
-        } catch (const std::bad_alloc&) {
-            ++thrown;
-        }
-        try {
-            list.pointInsert(0, zbVector3d(1, 2, 3));
-        } catch (const std::bad_alloc&) {
-            ++thrown;
-        }
-        try {
-            other = list;
-        } catch (const std::bad_alloc&) {
-            ++thrown;
-        }
-    }
+    failing(0, false, [&] {
+        thrown += throws([&] { list.pointAdd(zbVector3d(1, 2, 3)); });
+        thrown += throws([&] { list.pointInsert(0, zbVector3d(1, 2, 3)); });
+        thrown += throws([&] { other = list; });
+    });
     EXPECT_EQ(thrown, 3);
     EXPECT_EQ(list.m_points, block);
     EXPECT_EQ(list.m_capacity, 100);

@@ -19,25 +19,8 @@ const uint32_t kLoadSeed = static_cast<uint32_t>(CzbRandom::ms_randomseed);
 }
 
 TEST(ProcessSeed, IsTheCalendarTimeAtLoad) {
-    // Set before main from the low 32 bits of the seconds since the epoch.
     const uint32_t now = static_cast<uint32_t>(std::time(nullptr));
     EXPECT_LE(now - kLoadSeed, 3600u);
-}
-
-TEST(ProcessSeed, GetRandomAccumulatesTheTime) {
-    const int saved = CzbRandom::ms_randomseed;
-    CzbRandom::ms_randomseed = 1000;
-    const uint32_t before = static_cast<uint32_t>(std::time(nullptr));
-    CzbRandom::GetRandom(0, 0);
-    const uint32_t first = static_cast<uint32_t>(CzbRandom::ms_randomseed) - 1000u;
-    CzbRandom::GetRandom(0, 0);
-    const uint32_t second = static_cast<uint32_t>(CzbRandom::ms_randomseed) - 1000u - first;
-    const uint32_t after = static_cast<uint32_t>(std::time(nullptr));
-    EXPECT_GE(first, before);
-    EXPECT_LE(first, after);
-    EXPECT_GE(second, before);
-    EXPECT_LE(second, after);
-    CzbRandom::ms_randomseed = saved;
 }
 
 #if !defined(_WIN32)

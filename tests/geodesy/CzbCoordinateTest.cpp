@@ -6,55 +6,42 @@
 
 using zbBase::CzbCoordinate;
 
-TEST(CzbCoordinate, DmsToDegrees) {
+TEST(CzbCoordinate, DmsToDegreesAndBack) {
     EXPECT_EQ(CzbCoordinate::GetDMStoDgree(37, 30, 0.0), 37.5);
     EXPECT_EQ(CzbCoordinate::GetDMStoDgree(0, 0, 3600.0), 1.0);
     EXPECT_EQ(CzbCoordinate::GetDMStoDgree(-10, 30, 0.0), -9.5);
     EXPECT_EQ(CzbCoordinate::GetDMStoDgree(12, 0, 36.0), 12.01);
-}
 
-TEST(CzbCoordinate, DegreesToDmsInSinglePrecision) {
-    int d = -1, m = -1;
-    double s = -1;
-    CzbCoordinate::GetDgreetoDMS(12.5, &d, &m, &s);
-    EXPECT_EQ(d, 12);
-    EXPECT_EQ(m, 30);
-    EXPECT_EQ(s, 0.0);
-    CzbCoordinate::GetDgreetoDMS(-37.25, &d, &m, &s);
-    EXPECT_EQ(d, -37);
-    EXPECT_EQ(m, 15);
-    EXPECT_EQ(s, 0.0);
-    CzbCoordinate::GetDgreetoDMS(-0.5, &d, &m, &s); // the sign is lost with zero degrees
-    EXPECT_EQ(d, 0);
-    EXPECT_EQ(m, 30);
-    EXPECT_EQ(s, 0.0);
-    CzbCoordinate::GetDgreetoDMS(37.123456789, &d, &m, &s);
-    EXPECT_EQ(d, 37);
-    EXPECT_EQ(m, 7);
-    EXPECT_EQ(s, 24.44443702697754);
-    CzbCoordinate::GetDgreetoDMS(12.9999999999, &d, &m, &s); // no carry between the parts
-    EXPECT_EQ(d, 12);
-    EXPECT_EQ(m, 60);
-    EXPECT_EQ(s, 0.0);
+    // In single precision; the sign is lost with zero degrees, and no carry between the parts.
+    const double cases[][4] = {{12.5, 12, 30, 0},
+                               {-37.25, -37, 15, 0},
+                               {-0.5, 0, 30, 0},
+                               {37.123456789, 37, 7, 24.44443702697754},
+                               {12.9999999999, 12, 60, 0}};
+    for (const auto& c : cases) {
+        int d = -1, m = -1;
+        double s = -1;
+        CzbCoordinate::GetDgreetoDMS(c[0], &d, &m, &s);
+        EXPECT_EQ(d, c[1]) << c[0];
+        EXPECT_EQ(m, c[2]) << c[0];
+        EXPECT_EQ(s, c[3]) << c[0];
+    }
+    int d, m;
+    double s;
     CzbCoordinate::GetDgreetoDMS(std::nan(""), &d, &m, &s);
     EXPECT_TRUE(std::isnan(s));
 }
 
 TEST(CzbCoordinate, WrapsIntoLongitudeAndLatitude) {
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(190.0), -170.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(-190.0), 170.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(540.0), 180.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(360.0), 0.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(180.0), 180.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(-180.0), -180.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(-540.0), -180.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree180(725.5), 5.5);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree90(100.0), -80.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree90(-100.0), 80.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree90(90.0), 90.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree90(-90.0), -90.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree90(180.0), 0.0);
-    EXPECT_EQ(CzbCoordinate::GetMakeDegree90(270.0), 90.0);
+    const double lon[][2] = {{190, -170}, {-190, 170},  {540, 180},   {360, 0},
+                             {180, 180},  {-180, -180}, {-540, -180}, {725.5, 5.5}};
+    for (const auto& c : lon) {
+        EXPECT_EQ(CzbCoordinate::GetMakeDegree180(c[0]), c[1]) << c[0];
+    }
+    const double lat[][2] = {{100, -80}, {-100, 80}, {90, 90}, {-90, -90}, {180, 0}, {270, 90}};
+    for (const auto& c : lat) {
+        EXPECT_EQ(CzbCoordinate::GetMakeDegree90(c[0]), c[1]) << c[0];
+    }
     EXPECT_TRUE(std::isnan(CzbCoordinate::GetMakeDegree180(std::nan(""))));
 }
 

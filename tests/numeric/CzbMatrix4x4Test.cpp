@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
 
@@ -9,103 +11,77 @@ using zbBase::CzbMatrix4x4;
 
 namespace {
 
-// Exposes the protected composing rule and the stored values.
+// Exposes the protected composing rule.
 class OpenMatrix : public CzbMatrix4x4 {
 public:
     using CzbMatrix4x4::Multiplication;
-    OpenMatrix& operator=(const CzbMatrix4x4& other) {
-        CzbMatrix4x4::operator=(other);
-        return *this;
+};
+
+using Point = std::array<double, 3>;
+
+Point apply(CzbMatrix4x4& m, Point p) {
+    m.MakeResult(&p[0], &p[1], &p[2]);
+    return p;
+}
+
+// Rows 0 to 2 read back through MakeResult (the last row is not observable there).
+std::array<double, 12> rows(CzbMatrix4x4& m) {
+    const Point o = apply(m, {0, 0, 0});
+    std::array<double, 12> out{};
+    for (int c = 0; c < 3; ++c) {
+        Point unit{0, 0, 0};
+        unit[c] = 1;
+        const Point p = apply(m, unit);
+        for (int r = 0; r < 3; ++r) {
+            out[4 * r + c] = p[r] - o[r];
+        }
     }
-};
-
-struct Point {
-    double x, y, z;
-};
-
-Point apply(CzbMatrix4x4& m, double x, double y, double z) {
-    m.MakeResult(&x, &y, &z);
-    return {x, y, z};
+    out[3] = o[0], out[7] = o[1], out[11] = o[2];
+    return out;
 }
 
 std::string printed(CzbMatrix4x4& m) {
     testing::internal::CaptureStdout();
     m.MatrixPrint();
     std::string out = testing::internal::GetCapturedStdout();
-    std::string clean;
-    for (char ch : out) {
-        if (ch != '\r') {
-            clean += ch;
-        }
-    }
-    return clean;
-}
-
-// Reads back the 16 elements by transforming unit points (the last row is not observable
-// through MakeResult, so only rows 0 to 2 are compared).
-void rows(CzbMatrix4x4& m, double out[12]) {
-    const Point o = apply(m, 0, 0, 0);
-    const Point ex = apply(m, 1, 0, 0), ey = apply(m, 0, 1, 0), ez = apply(m, 0, 0, 1);
-    const Point cols[3] = {ex, ey, ez};
-    for (int c = 0; c < 3; ++c) {
-        out[0 + c] = cols[c].x - o.x;
-        out[4 + c] = cols[c].y - o.y;
-        out[8 + c] = cols[c].z - o.z;
-    }
-    out[3] = o.x;
-    out[7] = o.y;
-    out[11] = o.z;
+    out.erase(std::remove(out.begin(), out.end(), '\r'), out.end());
+    return out;
 }
 
 } // namespace
 
 TEST(CzbMatrix4x4, RightAngleRotationsAreExact) {
-    CzbMatrix4x4 h, p, r;
-    h.SetRotateH(90.0);
+    CzbMatrix4x4 h, p, r, back;
+    EXPECT_TRUE(h.SetRotateH(90.0));
     p.SetRotateP(90.0);
     r.SetRotateR(90.0);
-    Point a = apply(h, 1, 0, 0), b = apply(p, 0, 1, 0), c = apply(r, 0, 0, 1);
-    EXPECT_EQ(a.x, 0.0);
-    EXPECT_EQ(a.y, 1.0);
-    EXPECT_EQ(a.z, 0.0);
-    EXPECT_EQ(b.x, 0.0);
-    EXPECT_EQ(b.y, 0.0);
-    EXPECT_EQ(b.z, 1.0);
-    EXPECT_EQ(c.x, 1.0);
-    EXPECT_EQ(c.y, 0.0);
-    EXPECT_EQ(c.z, 0.0);
-    CzbMatrix4x4 m;
-    m.SetRotateH(-90.0);
-    a = apply(m, 1, 0, 0);
-    EXPECT_EQ(a.x, 0.0);
-    EXPECT_EQ(a.y, -1.0);
+    back.SetRotateH(-90.0);
+    EXPECT_EQ(apply(h, {1, 0, 0}), (Point{0, 1, 0}));
+    EXPECT_EQ(apply(p, {0, 1, 0}), (Point{0, 0, 1}));
+    EXPECT_EQ(apply(r, {0, 0, 1}), (Point{1, 0, 0}));
+    EXPECT_EQ(apply(back, {1, 0, 0}), (Point{0, -1, 0}));
+    CzbMatrix4x4 nan; // a non-finite angle gives non-finite elements
+    nan.SetRotateH(std::nan(""));
+    const Point a = apply(nan, {1, 0, 0});
+    EXPECT_TRUE(std::isnan(a[0]));
+    EXPECT_EQ(a[2], 0.0);
 }
 
 TEST(CzbMatrix4x4, FactorComposedLastActsFirst) {
-    CzbMatrix4x4 m;
+    CzbMatrix4x4 m, n;
     EXPECT_TRUE(m.SetTransform(1, 2, 3));
-    EXPECT_TRUE(m.SetRotateH(90.0));
-    Point a = apply(m, 1, 0, 0);
-    EXPECT_EQ(a.x, 1.0);
-    EXPECT_EQ(a.y, 3.0);
-    EXPECT_EQ(a.z, 3.0);
-
-    CzbMatrix4x4 n;
+    m.SetRotateH(90.0);
+    EXPECT_EQ(apply(m, {1, 0, 0}), (Point{1, 3, 3}));
     n.SetRotateH(90.0);
     n.SetTransform(1, 2, 3);
-    a = apply(n, 1, 0, 0);
-    EXPECT_EQ(a.x, -2.0);
-    EXPECT_EQ(a.y, 2.0);
-    EXPECT_EQ(a.z, 3.0);
+    EXPECT_EQ(apply(n, {1, 0, 0}), (Point{-2, 2, 3}));
 
     // A second rotation composes with the first.
     CzbMatrix4x4 ab, sum;
     ab.SetRotateH(25.0);
     ab.SetRotateH(40.0);
     sum.SetRotateH(65.0);
-    double e1[12], e2[12];
-    rows(ab, e1);
-    rows(sum, e2);
+    const std::array<double, 12> e1 = rows(ab), e2 = rows(sum);
     for (int i = 0; i < 12; ++i) {
         EXPECT_NEAR(e1[i], e2[i], 1e-15) << i;
     }
@@ -120,71 +96,45 @@ TEST(CzbMatrix4x4, FactorComposedLastActsFirst) {
 
 TEST(CzbMatrix4x4, SetClearAssignAndProduct) {
     double values[16] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 99, 98, 97, 96};
-    CzbMatrix4x4 m;
+    CzbMatrix4x4 m, noLastRow;
     m.SetTransform(7, 7, 7);
     EXPECT_TRUE(m.SetMatrix(values)); // overwrites, does not compose
-    Point a = apply(m, 1, 1, 1);
-    EXPECT_EQ(a.x, 10.0);
-    EXPECT_EQ(a.y, 26.0);
-    EXPECT_EQ(a.z, 42.0);
-    // The last row plays no part.
-    values[12] = values[13] = values[14] = values[15] = 0.0;
-    CzbMatrix4x4 noLastRow;
+    EXPECT_EQ(apply(m, {1, 1, 1}), (Point{10, 26, 42}));
+    values[12] = values[13] = values[14] = values[15] = 0.0; // the last row plays no part
     noLastRow.SetMatrix(values);
-    Point b = apply(noLastRow, 1, 1, 1);
-    EXPECT_EQ(b.x, a.x);
-    EXPECT_EQ(b.y, a.y);
-    EXPECT_EQ(b.z, a.z);
+    EXPECT_EQ(apply(noLastRow, {1, 1, 1}), (Point{10, 26, 42}));
 
     // After MatrixClear the next factor is stored unchanged.
     EXPECT_TRUE(m.MatrixClear());
     m.SetTransform(1, 2, 3);
-    a = apply(m, 0, 0, 0);
-    EXPECT_EQ(a.x, 1.0);
-    EXPECT_EQ(a.y, 2.0);
-    EXPECT_EQ(a.z, 3.0);
+    EXPECT_EQ(apply(m, {0, 0, 0}), (Point{1, 2, 3}));
 
     // operator= from a new object: identity with the set flag on; the next composition runs
     // the full product and gives the same values.
-    CzbMatrix4x4 fresh, t;
+    CzbMatrix4x4 fresh, t, direct;
     t.SetRotateR(30.0);
     t = fresh;
     t.SetRotateP(30.0);
-    CzbMatrix4x4 direct;
     direct.SetRotateP(30.0);
-    double e1[12], e2[12];
-    rows(t, e1);
-    rows(direct, e2);
-    for (int i = 0; i < 12; ++i) {
-        EXPECT_EQ(e1[i], e2[i]) << i;
-    }
+    EXPECT_EQ(rows(t), rows(direct));
 
     // A * B changes A in place into A . B, leaves B alone, and equals Multiplication.
     double aValues[16] = {2, 0, 1, 3, 0, 1, 0, -1, 1, 2, 3, 4, 0, 0, 0, 1};
     double bValues[16] = {1, 2, 0, 5, 0, 1, 1, 6, 3, 0, 1, 7, 0, 0, 0, 1};
     CzbMatrix4x4 A, B, bCopy;
+    OpenMatrix viaRule;
     A.SetMatrix(aValues);
     B.SetMatrix(bValues);
     bCopy.SetMatrix(bValues);
-    OpenMatrix viaRule;
     viaRule.SetMatrix(aValues);
     viaRule.Multiplication(bValues);
-    CzbMatrix4x4& same = A * B;
-    EXPECT_EQ(&same, &A);
-    double r1[12], r2[12], b1[12], b2[12];
-    rows(A, r1);
-    rows(viaRule, r2);
-    rows(B, b1);
-    rows(bCopy, b2);
+    EXPECT_EQ(&(A * B), &A);
+    const std::array<double, 12> product = rows(A);
+    EXPECT_EQ(product, rows(viaRule));
+    EXPECT_EQ(rows(B), rows(bCopy));
     // Row 0 of A . B: (2*1+1*3, 2*2, 2*0+1*1, 2*5+1*7+3).
-    const double expectRow0[4] = {5, 4, 1, 20};
-    for (int i = 0; i < 12; ++i) {
-        EXPECT_EQ(r1[i], r2[i]) << i;
-        EXPECT_EQ(b1[i], b2[i]) << i;
-        if (i < 4) {
-            EXPECT_EQ(r1[i], expectRow0[i]) << i;
-        }
-    }
+    EXPECT_EQ((std::array<double, 4>{product[0], product[1], product[2], product[3]}),
+              (std::array<double, 4>{5, 4, 1, 20}));
 }
 
 TEST(CzbMatrix4x4, PrintLayout) {
@@ -205,12 +155,4 @@ TEST(CzbMatrix4x4, PrintLayout) {
                           " 3\t0.00\t0.00\t1.00\t20.00\t\n"
                           " 4\t0.00\t0.00\t0.00\t1.00\t\n"
                           "\n\n");
-}
-
-TEST(CzbMatrix4x4, NonFiniteAngleGivesNonFiniteElements) {
-    CzbMatrix4x4 m;
-    m.SetRotateH(std::nan(""));
-    Point a = apply(m, 1, 0, 0);
-    EXPECT_TRUE(std::isnan(a.x));
-    EXPECT_EQ(a.z, 0.0);
 }

@@ -13,20 +13,26 @@ using zbBase::CzbTimeManagerAdv;
 
 namespace {
 
-// Messages with whether they came on the thread that made the recorder.
+// Messages with whether they came on the thread that made the recorder. Given the clock, it
+// reads the time inside the end message, as a host that logs its final time does.
 class Recorder {
 public:
     struct Entry {
         int message;
         bool onHostThread;
     };
-
     static void callback(int message, void* user) {
         Recorder* self = static_cast<Recorder*>(user);
+        if (message == 4 && self->clock != nullptr) {
+            self->playingAtEnd = self->clock->GetPlayMode() == CzbTimeManager::Play;
+            self->timeAtEnd = self->clock->GetTime(0);
+        }
         std::lock_guard<std::mutex> lock(self->m_mutex);
         self->m_entries.push_back({message, std::this_thread::get_id() == self->m_host});
     }
-
+    CzbTimeManagerAdv* clock = nullptr;
+    std::atomic<bool> playingAtEnd{false};
+    std::atomic<double> timeAtEnd{0.0};
     std::vector<Entry> entries() {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_entries;
@@ -55,10 +61,7 @@ void sleepMs(int ms) {
 
 // Polls for up to 20 s, so that a slow or instrumented run never fails on time alone.
 template <class Pred> bool waitFor(Pred pred) {
-    for (int i = 0; i < 4000; ++i) {
-        if (pred()) {
-            return true;
-        }
+    for (int i = 0; i < 4000 && !pred(); ++i) {
         sleepMs(5);
     }
     return pred();
@@ -66,13 +69,12 @@ template <class Pred> bool waitFor(Pred pred) {
 
 } // namespace
 
-TEST(CzbTimeManagerAdv, PlayerStartsAndTicksWhilePlaying) {
+TEST(CzbTimeManagerAdv, PlayerTicksWhilePlaying) {
     Recorder rec; // outlives the clock and its player
     CzbTimeManagerAdv clock;
     EXPECT_EQ(clock.m_endTime, -1.0);
     EXPECT_FALSE(clock.m_inCallback);
     ASSERT_TRUE(waitFor([&] { return clock.m_threadState == 1; }));
-
     clock.setMsgCallbackFunc(Recorder::callback, &rec);
     sleepMs(100);
     EXPECT_EQ(rec.count(3), 0); // no ticks while stopped
@@ -85,21 +87,15 @@ TEST(CzbTimeManagerAdv, PlayerStartsAndTicksWhilePlaying) {
     sleepMs(200);
     EXPECT_EQ(rec.count(3), ticks);
 
+    // Play and pause on the host's thread, ticks on the player's.
     std::vector<Recorder::Entry> e = rec.entries();
     ASSERT_GE(e.size(), 5u);
     EXPECT_EQ(e[0].message, 0);
     EXPECT_TRUE(e[0].onHostThread);
-    int pauses = 0;
     for (size_t i = 1; i < e.size(); ++i) {
-        if (e[i].message == 3) {
-            EXPECT_FALSE(e[i].onHostThread);
-        } else {
-            EXPECT_EQ(e[i].message, 2);
-            EXPECT_TRUE(e[i].onHostThread);
-            ++pauses;
-        }
+        EXPECT_EQ(e[i].message, e[i].onHostThread ? 2 : 3) << i;
     }
-    EXPECT_EQ(pauses, 1);
+    EXPECT_EQ(rec.count(2), 1);
     EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Pause);
 
     rec.clear();
@@ -114,26 +110,26 @@ TEST(CzbTimeManagerAdv, PlayerStartsAndTicksWhilePlaying) {
 TEST(CzbTimeManagerAdv, RunEndsExactlyAtEndTimeAndRestarts) {
     Recorder rec;
     CzbTimeManagerAdv clock;
+    rec.clock = &clock;
     clock.setMsgCallbackFunc(Recorder::callback, &rec);
     clock.m_endTime = 0.5;
     clock.SetSpeedRate(5.0);
     clock.SetPlay();
     ASSERT_TRUE(waitFor([&] { return rec.count(4) == 1; }));
     sleepMs(200);
-    EXPECT_EQ(rec.count(4), 1);
+    EXPECT_EQ(rec.count(4), 1); // once, although the callback read the time past the end
+    EXPECT_TRUE(rec.playingAtEnd);
+    EXPECT_GT(rec.timeAtEnd, 0.5);
     EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Pause);
     EXPECT_EQ(clock.GetTime(0), 0.5);
     EXPECT_GE(clock.m_baseTime, 0.5);
-
     std::vector<Recorder::Entry> e = rec.entries();
     EXPECT_EQ(e.front().message, 0);
     EXPECT_EQ(e.back().message, 4);
     EXPECT_FALSE(e.back().onHostThread);
 
     rec.clear();
-    clock.m_endTime = 100.0;
-    clock.m_endTime = 0.5; // a plain write, as hosts do
-    clock.SetPlay();       // from the end: stop, then play from 0
+    clock.SetPlay(); // from the end: stop, then play from 0
     e = rec.entries();
     ASSERT_GE(e.size(), 2u);
     EXPECT_EQ(e[0].message, 1);
@@ -148,47 +144,10 @@ TEST(CzbTimeManagerAdv, RunEndsExactlyAtEndTimeAndRestarts) {
     ASSERT_TRUE(waitFor([&] { return rec.count(4) == 1; }));
     EXPECT_EQ(clock.GetPlayMode(), CzbTimeManager::Pause);
     EXPECT_EQ(clock.GetTime(0), 0.5);
-}
 
-namespace {
-// Reads the time inside the end message, as a host that logs its final time does.
-struct EndReader {
-    std::atomic<int> ends{0};
-    std::atomic<bool> playingDuringEnd{false};
-    std::atomic<double> readDuringEnd{0.0};
-    CzbTimeManagerAdv clock; // last, so that it and its player go first
-};
-
-void readTimeOnEnd(int message, void* user) {
-    EndReader* r = static_cast<EndReader*>(user);
-    if (message == 4) {
-        r->playingDuringEnd = r->clock.GetPlayMode() == CzbTimeManager::Play;
-        r->readDuringEnd = r->clock.GetTime(0);
-        r->ends += 1;
-    }
-}
-} // namespace
-
-TEST(CzbTimeManagerAdv, EndComesOnceEvenWhenTheCallbackReadsTheTime) {
-    EndReader r;
-    r.clock.setMsgCallbackFunc(readTimeOnEnd, &r);
-    r.clock.m_endTime = 0.2;
-    r.clock.SetSpeedRate(4.0);
-    r.clock.SetPlay();
-    ASSERT_TRUE(waitFor([&] { return r.ends == 1; }));
-    sleepMs(200);
-    EXPECT_EQ(r.ends, 1);
-    EXPECT_TRUE(r.playingDuringEnd);
-    EXPECT_GT(r.readDuringEnd, 0.2); // the time really reached
-    EXPECT_EQ(r.clock.GetPlayMode(), CzbTimeManager::Pause);
-    EXPECT_EQ(r.clock.GetTime(0), 0.2);
-}
-
-TEST(CzbTimeManagerAdv, NoEndTestUnlessEndTimeIsPositive) {
+    // No end test unless the end time is above 0.
     for (double end : {-1.0, 0.0}) {
-        Recorder rec;
-        CzbTimeManagerAdv clock;
-        clock.setMsgCallbackFunc(Recorder::callback, &rec);
+        rec.clear();
         clock.m_endTime = end;
         clock.SetTime(5000);
         clock.SetPlay();
@@ -198,12 +157,11 @@ TEST(CzbTimeManagerAdv, NoEndTestUnlessEndTimeIsPositive) {
     }
 }
 
-TEST(CzbTimeManagerAdv, CopyHasNoPlayer) {
+TEST(CzbTimeManagerAdv, CopyHasNoPlayerAndHostCanEndThePlayer) {
     CzbTimeManagerAdv clock;
     ASSERT_TRUE(waitFor([&] { return clock.m_threadState == 1; }));
     clock.m_endTime = 1000.0;
     clock.SetPlay();
-
     CzbTimeManagerAdv copy(clock);
     EXPECT_EQ(copy.m_threadState, 1);
     EXPECT_EQ(copy.GetPlayMode(), CzbTimeManager::Play);
@@ -215,7 +173,7 @@ TEST(CzbTimeManagerAdv, CopyHasNoPlayer) {
     sleepMs(200);
     EXPECT_TRUE(rec.entries().empty()); // no ticks, no end test
 
-    // Assigning a stopped state makes the target's own player leave.
+    // Assigning a stopped state makes the target's own player leave; so does a host's write.
     CzbTimeManagerAdv target;
     ASSERT_TRUE(waitFor([&] { return target.m_threadState == 1; }));
     CzbTimeManagerAdv idle(clock);
@@ -223,11 +181,6 @@ TEST(CzbTimeManagerAdv, CopyHasNoPlayer) {
     target = idle;
     EXPECT_EQ(target.GetPlayMode(), CzbTimeManager::Play);
     EXPECT_TRUE(waitFor([&] { return target.m_threadState == 0; }));
-}
-
-TEST(CzbTimeManagerAdv, HostCanEndThePlayer) {
-    CzbTimeManagerAdv clock;
-    ASSERT_TRUE(waitFor([&] { return clock.m_threadState == 1; }));
     clock.m_threadState = 5;
     EXPECT_TRUE(waitFor([&] { return clock.m_threadState == 0; }));
 }
@@ -276,8 +229,7 @@ TEST(CzbTimeManagerAdv, DestroyedFromItsOwnCallbackOnThePlayer) {
         s.clock->SetPlay();
         s.hostDone = true;
         if (code == 4) {
-            // The last touch: the end, and so the message that destroys the clock, follows it.
-            s.clock->m_endTime = 0.05;
+            s.clock->m_endTime = 0.05; // the last touch: the end that destroys the clock follows
         }
         ASSERT_TRUE(waitFor([&] { return s.done.load(); }));
         sleepMs(100); // the player leaves without touching the freed object

@@ -1,13 +1,7 @@
-// File descriptors that run out on demand (POSIX only):
-//
-//   zbtest::DescriptorLimit limit(1);   // from here on the process can open one more file;
-//                                       // everything else is as it was once limit goes
-//
-// The other descriptors up to a lowered limit are taken by copies of /dev/null. No other thread
-// of the process may open files meanwhile. Tests that use it begin with
-// ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED(): the address sanitizer's build (with its
-// undefined-behaviour checks) looks at memory through a pipe of its own, which needs
-// descriptors too.
+// File descriptors that run out on demand (POSIX only): while a DescriptorLimit(n) is in scope
+// the process can open n more files, the rest up to a lowered limit being taken by /dev/null.
+// No other thread may open files meanwhile. Tests that use it begin with
+// ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED(): the address sanitizer needs descriptors of its own.
 #pragma once
 
 #if !defined(_WIN32)

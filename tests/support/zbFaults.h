@@ -1,14 +1,9 @@
-// Faults on demand for the tests (POSIX only): a disk that fills up, a small file system, a
-// user without root's rights.
-//
-//   FileSizeLimit limit(4096);   // every file of the process stops growing at 4096 bytes:
-//                                // writes past it fail with EFBIG, as on a full disk
-//   SmallTmpfs disk(2 << 20);    // a 2 MiB tmpfs in a private mount namespace; ok() is false
-//                                // (and why() says why) where the machine does not allow it
-//   int rc = asUnprivileged([&] { return library_call() ? 0 : 1; });
-//                                // runs the function in a child process as user nobody
-//                                // (as the caller itself when it is not root); the child's
-//                                // result, or -1 if it could not run
+// Faults on demand for the tests (POSIX only):
+//   FileSizeLimit limit(4096);  // files stop growing at 4096 bytes: EFBIG, as on a full disk
+//   SmallTmpfs disk(2 << 20);   // a 2 MiB tmpfs in a private mount namespace; ok() false and
+//                               // why() says why where the machine does not allow it
+//   asUnprivileged(fn)          // fn's result in a child run as user nobody (as the caller
+//                               // when it is not root), or -1 if it could not run
 #pragma once
 
 #if !defined(_WIN32)
@@ -27,9 +22,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Defined only in builds with --coverage (libgcov): __gcov_exit writes the counters of the
-// program itself (the part of libgcov that every such program holds), __gcov_dump those of
-// every instrumented module (where the program links it).
+// Only in builds with --coverage: __gcov_exit writes the program's counters, __gcov_dump those
+// of every instrumented module (where linked).
 extern "C" void __gcov_exit(void) __attribute__((weak));
 extern "C" void __gcov_dump(void) __attribute__((weak));
 
@@ -113,9 +107,8 @@ inline int asUnprivileged(const std::function<int()>& body) {
         return -1;
     }
     if (child == 0) {
-        // A coverage build writes the child's counters at the end, into root's files: there
-        // the saved user stays root (no capability is effective while the body runs) and the
-        // child takes root back for the write alone.
+        // A coverage build writes the child's counters into root's files at the end: the saved
+        // user stays root there, taken back for that write alone.
         const bool coverage = __gcov_exit != nullptr || __gcov_dump != nullptr;
         if (geteuid() == 0) {
             // nobody: no supplementary groups, no capabilities.
@@ -124,8 +117,7 @@ inline int asUnprivileged(const std::function<int()>& body) {
                 _exit(125);
             }
         }
-        // Nothing may leave the child but its exit code: an escaping exception would land in
-        // the test framework and run the remaining tests a second time.
+        // An escaping exception would run the remaining tests a second time in the child.
         int code = 126;
         try {
             code = body();

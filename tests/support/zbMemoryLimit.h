@@ -1,19 +1,9 @@
-// Memory that runs out on demand (POSIX only): a test body runs in a child process whose
-// address space is limited, so an allocation fails there and nowhere else.
-//
-//   int rc = zbtest::withAddressSpace(zbtest::addressSpace() + (64 << 20), [&] {
-//       return library_call() ? 0 : 1;
-//   });
-//   // the body's result; 125 when an exception left the body, 126 when the limit could not
-//   // be set, -1 when the child died
-//
-//   zbtest::MemoryHog hog;       // inside such a child: every allocation fails until the hog
-//                                // goes, small ones too
-//
-// A sanitizer's shadow memory does not fit such a limit: such tests begin with
-// ZBTEST_SKIP_WHEN_SANITIZED().
-// In a build with coverage counters the child writes its counters before it ends, so that
-// what it ran counts as the rest of the suite does.
+// Memory that runs out on demand (POSIX only), in a child process with a limited address space:
+//   rc = withAddressSpace(addressSpace() + (64 << 20), [&] { return call() ? 0 : 1; });
+//   // the body's result; 125 if an exception left it, 126 if no limit, -1 if the child died
+//   MemoryHog hog;  // inside such a child: every allocation fails until the hog goes
+// Such tests begin with ZBTEST_SKIP_WHEN_SANITIZED(): a sanitizer's shadow memory does not fit.
+// With coverage counters the child writes its counters before it ends.
 #pragma once
 
 #if !defined(_WIN32)
@@ -42,16 +32,14 @@
 #endif
 
 #if defined(__GNUC__)
-// Present only where the program was built with coverage counters: every counted object file
-// calls it when it is loaded.
+// Present only with coverage counters.
 extern "C" void __gcov_init(void*) __attribute__((weak));
 #endif
 
 namespace zbtest {
 
-// Ends a child process of a test at once, without the exit handlers that it shares with the
-// parent, except where coverage counters are kept: there the exit handlers run, so that the
-// counters are written.
+// Ends a test's child without the exit handlers it shares with the parent, except with coverage
+// counters, which the handlers write.
 [[noreturn]] inline void endChild(int code) {
 #if defined(__GNUC__)
     if (__gcov_init != nullptr) {
@@ -99,8 +87,7 @@ inline int withAddressSpace(rlim_t bytes, const std::function<int()>& body) {
     return WEXITSTATUS(status);
 }
 
-// Takes every block that the allocator still gives, from large ones down to each small size,
-// and gives them back when it goes. Meant for a child under withAddressSpace.
+// Takes every block the allocator still gives, large to small, until it goes.
 class MemoryHog {
 public:
     MemoryHog() {
