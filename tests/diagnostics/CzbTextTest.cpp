@@ -10,7 +10,6 @@
 #include <ctime>
 #include <regex>
 #include <set>
-#include <thread>
 
 using diagtest::Text;
 
@@ -216,27 +215,4 @@ TEST(CzbText, CopiesShareBlocksAndWriteOnlyIntoBlocksOfTheirOwn) {
     EXPECT_NE(e.getDate(), large);
     EXPECT_EQ(e.getBufferSize(0), 512);
     EXPECT_STREQ(large, "large");
-}
-
-TEST(CzbText, ConcurrentCallersGetDistinctSlots) {
-    const int threads = 4, perThread = 200;
-    CzbText ring;
-    ring.setBufferSize(threads * perThread);
-    std::vector<std::thread> workers;
-    for (int t = 0; t < threads; ++t) {
-        workers.emplace_back([&ring, t] {
-            for (int i = 0; i < perThread; ++i) {
-                std::snprintf(ring.getBufferNew(16), 16, "%d:%d", t, i);
-            }
-        });
-    }
-    for (auto& worker : workers) {
-        worker.join();
-    }
-    std::set<std::string> seen;
-    for (int i = 0; i < threads * perThread; ++i) {
-        ASSERT_NE(ring.getBuffer(i), nullptr);
-        seen.insert(ring.getBuffer(i));
-    }
-    EXPECT_EQ(seen.size(), static_cast<size_t>(threads * perThread));
 }

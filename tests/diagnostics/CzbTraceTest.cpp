@@ -203,18 +203,5 @@ TEST(CzbTrace, ProcessWideTraceWithDateTime) {
         << instance->getTraceFront();
     instance->clear();
 
-    const int perThread = 100;
-    onFourThreads([](int t) {
-        for (int i = 0; i < perThread; ++i) {
-            CzbTraceExt::setTraceWithDateTime(Text("t%d i%d"), t, i);
-        }
-    });
-    ASSERT_EQ(instance->getTraceNum(), 4 * perThread);
-    const std::regex form("^\\d{14} : t\\d i\\d+$");
-    char buffer[512];
-    while (instance->getTraceNum() > 0) {
-        instance->getTracePop(buffer);
-        ASSERT_TRUE(std::regex_match(buffer, form)) << buffer;
-    }
     instance->setMode(CzbTrace::ModeFile);
 }
