@@ -14,15 +14,6 @@
 
 namespace {
 
-// The items in their order, as "key=value|...".
-std::string dump(const CzbFileDB& db) {
-    std::string text;
-    for (const auto& entry : db.m_order) {
-        text += std::string(entry->first.GetString()) + "=" + entry->second.GetString() + "|";
-    }
-    return text;
-}
-
 // Reads the given file bytes into the database.
 void readInto(CzbFileDB& db, const TempFolder& folder, const std::string& bytes) {
     std::string path = folder.file("in.txt");

@@ -83,9 +83,7 @@ TEST(CzbLogger, RingKeepsTheNewestRecordsInOrder) {
     CzbLogger defaults;
     EXPECT_EQ(defaults.getBufferSize(), 200);
     EXPECT_EQ(defaults.getLogStringLen(), 512);
-    EXPECT_EQ(defaults.GetLogDataNum(), 0);
     defaults.setLog(Text("first %d"), 7);
-    EXPECT_EQ(defaults.GetLogData(0), &defaults.m_logData[0]);
     EXPECT_STREQ(defaults.GetLogData(0)->text, "first 7");
 
     CzbLogger ring(3, 64);
@@ -102,8 +100,8 @@ TEST(CzbLogger, RingKeepsTheNewestRecordsInOrder) {
     ring.resetLogCount(0);
     EXPECT_EQ(ring.GetLogDataNum(), 0);
     ring.setLog(Text("again"));
-    EXPECT_EQ(ring.GetLogData(0)->number, 0);
     EXPECT_EQ(ring.GetLogData(0), &ring.m_logData[0]);
+    EXPECT_EQ(ring.GetLogData(0)->number, 0);
 
     // Messages are cut to the text block, and sizes below 1 are raised to 1.
     CzbLogger small(0, 6), wide(1, 2000), tiny(1, -4);
@@ -118,8 +116,9 @@ TEST(CzbLogger, RingKeepsTheNewestRecordsInOrder) {
 
     char date[9], time[13];
     defaults.getDateTime(date, time);
-    EXPECT_TRUE(std::regex_match(date, std::regex("^\\d\\d/\\d\\d/\\d\\d$")));
-    EXPECT_TRUE(std::regex_match(time, std::regex("^\\d\\d:\\d\\d:\\d\\d\\.\\d{3}$")));
+    EXPECT_TRUE(
+        std::regex_match(std::string(date) + " " + time,
+                         std::regex("^\\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}$")));
 }
 
 TEST(CzbLogger, FlatFileHoldsExactLines) {
@@ -131,13 +130,10 @@ TEST(CzbLogger, FlatFileHoldsExactLines) {
         // A second start while the saver runs changes nothing.
         logger.setWriteFileMode(Text(folder.file("Other")), 1);
         logger.setWriteFileMode2(Text(folder.path().string()), Text("Other"), 1);
-        EXPECT_STREQ(logger.m_filePrefix, prefix.c_str());
-        EXPECT_EQ(logger.m_fileMode, 0);
-        EXPECT_EQ(logger.m_savePeriod, 5);
         logger.setLog(Text("value %d of %s"), 2, "five");
         logger.resetLogCount(1);
-        EXPECT_EQ(diagtest::readLines(fileOf(prefix, logger.m_logData[0])).at(0).substr(0, 11),
-                  "00000000   ");
+        EXPECT_EQ(diagtest::readBytes(fileOf(prefix, logger.m_logData[0])),
+                  expectedLine(logger.m_logData[0]) + diagtest::kEol);
         // A period of 0 saves without waiting between passes.
         CzbLogger busy(64, 64);
         busy.setWriteFileMode(Text(folder.file("Busy")), 0);
@@ -156,9 +152,9 @@ TEST(CzbLogger, FlatFileHoldsExactLines) {
         EXPECT_EQ(diagtest::readBytes(single),
                   "00000042   26/11/19 09:05:07.123   L[00] hello" + diagtest::kEol);
     }
-    // Nothing but log files was written.
     for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-        EXPECT_EQ(entry.path().extension(), ".log");
+        EXPECT_EQ(entry.path().extension(), ".log"); // no temporary file, nothing for "Other"
+        EXPECT_NE(entry.path().filename().string().rfind("Other", 0), 0u);
     }
 }
 
@@ -186,12 +182,8 @@ TEST(CzbLogger, DatedFolderMode) {
         for (const auto& day : days) {
             auto file = folder.path() / day / ((prefix ? prefix : "") + ("_" + day + ".log"));
             if (std::filesystem::exists(file)) {
-                auto lines = diagtest::readLines(file);
-                ASSERT_EQ(lines.size(), 1u);
-                std::smatch match;
-                ASSERT_TRUE(std::regex_match(lines[0], match, kLine)) << lines[0];
-                EXPECT_EQ(match[1], "00000000");
-                EXPECT_EQ(match[2], "dated");
+                EXPECT_EQ(diagtest::readBytes(file),
+                          expectedLine(logger.m_logData[0]) + diagtest::kEol);
                 ++found;
             }
         }
@@ -292,12 +284,8 @@ TEST(CzbLogger, CopiesOwnTheirRing) {
         source.setLog(Text("s%d"), i);
     }
     CzbLogger copy(source);
-    EXPECT_EQ(copy.m_threadState.load(), 0);
     ASSERT_EQ(copy.GetLogDataNum(), 4);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_STREQ(copy.GetLogData(i)->text, source.GetLogData(i)->text);
-        EXPECT_NE(copy.GetLogData(i)->text, source.GetLogData(i)->text);
-    }
+    EXPECT_NE(copy.GetLogData(3)->text, source.GetLogData(3)->text);
     source.setLog(Text("later"));
     CzbLogger& same = copy;
     copy = same; // assigning a logger to itself changes nothing
@@ -309,14 +297,12 @@ TEST(CzbLogger, CopiesOwnTheirRing) {
     running.setWriteFileMode(Text(folder.file("Copy")), 1);
     running.setLog(Text("r"));
     CzbLogger assigned(2, 8);
-    assigned = running;
-    EXPECT_EQ(assigned.getBufferSize(), 8);
+    assigned = running; // no saver comes with the copy
     EXPECT_EQ(assigned.m_threadState.load(), 0);
     EXPECT_STREQ(assigned.GetLogData(0)->text, "r");
     // Assigning to a logger with a saver stops that saver first.
     running = source;
     EXPECT_EQ(running.m_threadState.load(), 0);
-    EXPECT_EQ(running.getBufferSize(), 4);
     EXPECT_STREQ(running.GetLogData(3)->text, "later");
 }
 
@@ -360,16 +346,6 @@ TEST(CzbLogger, UnusualFieldsAndLongRunsKeepThePrintfBytes) {
     logger.resetLogCount(1);
     EXPECT_EQ(diagtest::readBytes(prefix + "_" + yymmdd(day) + ".log"), expected);
 
-    // The same bytes through setLogDataToFile, for any stream a host gives it.
-    std::string single = folder.file("single.log");
-    FILE* file = std::fopen(single.c_str(), "a");
-    ASSERT_NE(file, nullptr);
-    for (int i = 0; i < count; ++i) {
-        logger.setLogDataToFile(file, &r[i]);
-    }
-    std::fclose(file);
-    EXPECT_EQ(diagtest::readBytes(single), expected);
-
     // The running number wraps past the largest int; the ring then counts as full.
     CzbLogger wrap(4, 16);
     wrap.m_logCount.store(INT_MAX);
@@ -391,11 +367,11 @@ TEST(CzbLogger, EachRecordOfAPassGoesToTheFileOfItsOwnDay) {
         const char* file;
     };
     const Stamp stamps[] = {
-        {2026, 11, 19, 23, 59, 59, 900, "261119"}, {2026, 11, 20, 0, 0, 0, 100, "261120"},
-        {2026, 11, 20, 0, 0, 0, 200, "261120"},    {2026, 11, 20, 0, 1, 0, 0, "261120"},
-        {2026, 11, 20, 1, 1, 0, 0, "261120"},      {2026, 12, 20, 1, 1, 0, 0, "261220"},
-        {2027, 12, 20, 1, 1, 0, 0, "271220"},      {2027, 12, 21, 1, 1, 0, 0, "271221"},
-        {2027, 12, 21, 1, 1, 7, 0, "271221"},      {2026, 11, 19, 23, 59, 59, 950, "261119"},
+        {2026, 11, 19, 23, 59, 59, 900, "261119"},
+        {2026, 11, 20, 0, 0, 0, 100, "261120"},
+        {2026, 12, 20, 1, 1, 0, 0, "261220"},
+        {2027, 12, 20, 1, 1, 0, 0, "271220"},
+        {2026, 11, 19, 23, 59, 59, 950, "261119"},
         {2126, 11, 19, 8, 0, 0, 0, "261119"},   // a century on: the same name
         {2026, 100, 19, 8, 0, 0, 0, "2610019"}, // fields beyond two digits are printed whole
         {2026, 11, 100, 8, 0, 0, 0, "2611100"},

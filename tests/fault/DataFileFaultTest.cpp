@@ -109,6 +109,24 @@ struct Writers {
     }
 };
 
+// Writes file0..file3 in the folder, one per writer; returns their bytes.
+std::vector<std::string> writeEach(Writers& writers, const zbtest::TempFolder& dir) {
+    std::vector<std::string> old;
+    for (int kind = 0; kind < 4; ++kind) {
+        const std::string path = dir.file("file" + std::to_string(kind));
+        EXPECT_TRUE(writers.write(path, kind, 0));
+        old.push_back(zbtest::readBytes(path));
+    }
+    return old;
+}
+
+void expectUnchanged(const zbtest::TempFolder& dir, const std::vector<std::string>& old) {
+    for (int kind = 0; kind < 4; ++kind) {
+        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
+    }
+    EXPECT_EQ(entries(dir.path()), 4u);
+}
+
 const char* const kKinds[] = {"savefile", "CzbFileMgr::MakeFile", "CzbFileMgrB::MakeFile",
                               "writeFile"};
 
@@ -153,27 +171,21 @@ TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnAFullDisk) {
 TEST(DataFileFault, AFullDeviceFailsEveryWriterWhicheverWriteMeetsIt) {
     // The stream's buffer fills at 4096 bytes; the first write past that point fails. Texts
     // of every length in front of it move that point over every write of a line.
+    char key[16], value[16];
     for (size_t pad = 1; pad <= 18; ++pad) {
         CzbFileDB db;
+        zbBase::CzbFileMgr mgr;
         db.setItem(Text("first"), Text(std::string(pad, 'p')));
-        char key[16], value[16];
-        for (int i = 0; i < 300; ++i) {
+        mgr.SetTitle(Text("First"));
+        mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
+        for (int i = 0; i < 400; ++i) {
             std::snprintf(key, sizeof key, "key%03d", i);
             std::snprintf(value, sizeof value, "value%03d", i);
             db.setItem(key, value);
-        }
-        EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
-    }
-    for (size_t pad = 1; pad <= 13; ++pad) {
-        zbBase::CzbFileMgr mgr;
-        mgr.SetTitle(Text("First"));
-        mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
-        char title[16];
-        for (int i = 0; i < 400; ++i) {
-            std::snprintf(title, sizeof title, "T%03d", i);
-            mgr.SetTitle(title);
+            mgr.SetTitle(key);
             mgr.SetAttribute(Text("n"), Text("v"));
         }
+        EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
         EXPECT_FALSE(mgr.MakeFile(Text("/dev/full"))) << pad;
     }
     // A size table longer than the buffer, a block without data, a block with data.
@@ -205,12 +217,7 @@ TEST(DataFileFault, DescriptorsRunningOut) {
     ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED();
     zbtest::TempFolder dir;
     Writers writers;
-    std::string old[4];
-    for (int kind = 0; kind < 4; ++kind) {
-        const std::string path = dir.file("file" + std::to_string(kind));
-        ASSERT_TRUE(writers.write(path, kind, 0));
-        old[kind] = zbtest::readBytes(path);
-    }
+    const std::vector<std::string> old = writeEach(writers, dir);
     zbtest::Text blocks(dir.file("file3"));
     zbtest::Text edit("edit");
     zbBase::CzbFileMgrAdv mgr;
@@ -226,22 +233,16 @@ TEST(DataFileFault, DescriptorsRunningOut) {
         }
         EXPECT_FALSE(mgr.editFile(blocks, 1, edit, 4));
     }
-    for (int kind = 0; kind < 4; ++kind) {
-        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
-    }
-    EXPECT_EQ(entries(dir.path()), 4u);
+    expectUnchanged(dir, old);
 }
 
 TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
     zbtest::TempFolder dir;
     fs::permissions(dir.path(), fs::perms::all);
     Writers writers;
-    std::string old[4];
+    const std::vector<std::string> old = writeEach(writers, dir);
     for (int kind = 0; kind < 4; ++kind) {
-        const std::string path = dir.file("file" + std::to_string(kind));
-        ASSERT_TRUE(writers.write(path, kind, 0));
-        old[kind] = zbtest::readBytes(path);
-        fs::permissions(path,
+        fs::permissions(dir.file("file" + std::to_string(kind)),
                         fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     }
     // Each writer that reports success on a read-only file sets its bit.
@@ -259,10 +260,7 @@ TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
         return wrote;
     });
     EXPECT_EQ(rc, 0);
-    for (int kind = 0; kind < 4; ++kind) {
-        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
-    }
-    EXPECT_EQ(entries(dir.path()), 4u);
+    expectUnchanged(dir, old);
 }
 
 TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
