@@ -22,14 +22,6 @@ std::string le64(uint64_t v) {
     return s;
 }
 
-uint64_t at64(const std::string& bytes, size_t offset) {
-    uint64_t v = 0;
-    for (int i = 7; i >= 0; --i) {
-        v = (v << 8) | static_cast<unsigned char>(bytes[offset + i]);
-    }
-    return v;
-}
-
 // A file of three blocks of 10, 0 and 6 bytes with header value 1.5.
 std::string writeThree(const TempFolder& folder, char* a, char* c) {
     std::string path = folder.file("blocks.bin");
@@ -52,6 +44,13 @@ TEST(CzbFileMgrAdv, HeaderLayout) {
     static_assert(sizeof(CzbFileMgrAdv::_Block) == 16, "block entry");
 }
 
+// The bytes of a sized-block file: header value, total, count, 128 reserved bytes, the table.
+std::string fileBytes(const std::string& value, uint64_t total, const std::string& table,
+                      const std::string& data) {
+    return value + std::string(4, '\0') + le64(total) + le64(table.size() / 8) +
+           std::string(128, '\0') + table + data;
+}
+
 TEST(CzbFileMgrAdv, EmptyListAndThreeBlocksByteForByte) {
     TempFolder folder;
     std::string empty = folder.file("empty.bin");
@@ -60,25 +59,15 @@ TEST(CzbFileMgrAdv, EmptyListAndThreeBlocksByteForByte) {
     mgr.addDataSize(a, 10);
     mgr.clear();
     ASSERT_TRUE(mgr.writeFile(T(empty), -2.0f));
-    std::string bytes = readBytes(empty);
-    ASSERT_EQ(bytes.size(), 152u);
-    EXPECT_EQ(bytes.substr(0, 4), std::string("\x00\x00\x00\xc0", 4)); // -2.0f
-    EXPECT_EQ(bytes.substr(4), std::string(148, '\0'));
+    EXPECT_EQ(readBytes(empty), fileBytes(std::string("\x00\x00\x00\xc0", 4), 0, "", ""));
     EXPECT_EQ(mgr.readFile(T(empty), false), 1);
 
     std::string path = writeThree(folder, a, c);
-    bytes = readBytes(path);
-    ASSERT_EQ(bytes.size(), 192u);
-    EXPECT_EQ(bytes.substr(0, 4), std::string("\x00\x00\xc0\x3f", 4)); // 1.5f
-    EXPECT_EQ(bytes.substr(8, 16), le64(16) + le64(3));
-    EXPECT_EQ(bytes.substr(152, 24), le64(10) + le64(0) + le64(6));
-    EXPECT_EQ(bytes.substr(176, 10), "0123456789");
-    EXPECT_EQ(bytes.substr(186), "abcdef");
-
+    const std::string table = le64(10) + le64(0) + le64(6);
+    EXPECT_EQ(readBytes(path),
+              fileBytes(std::string("\x00\x00\xc0\x3f", 4), 16, table, "0123456789abcdef"));
     _zbFileMgrHeader header = mgr.getFileHeaderInfo(T(path));
-    EXPECT_EQ(header.headerValue, 1.5f);
-    EXPECT_EQ(header.totalSize, 16u);
-    EXPECT_EQ(header.blockCount, 3u);
+    EXPECT_TRUE(header.headerValue == 1.5f && header.totalSize == 16 && header.blockCount == 3);
 
     char ra[11] = {}, rc[7] = {};
     CzbFileMgrAdv reader;
@@ -86,24 +75,18 @@ TEST(CzbFileMgrAdv, EmptyListAndThreeBlocksByteForByte) {
     reader.addDataSize(nullptr, 0);
     reader.addDataSize(rc, 6);
     EXPECT_EQ(reader.readFile(T(path), false), 1);
-    EXPECT_STREQ(ra, "0123456789");
-    EXPECT_STREQ(rc, "abcdef");
+    EXPECT_EQ(std::string(ra) + rc, "0123456789abcdef");
 
     // With the size table: its 24 bytes flow into the first buffer.
-    char table[24];
-    CzbFileMgrAdv raw;
-    raw.addDataSize(table, 24);
-    raw.addDataSize(nullptr, 0);
-    raw.addDataSize(nullptr, 0);
-    EXPECT_EQ(raw.readFile(T(path), true), 1);
-    EXPECT_EQ(std::string(table, 24), le64(10) + le64(0) + le64(6));
+    char raw[24];
+    CzbFileMgrAdv withTable;
+    withTable.addDataSize(raw, 24);
+    EXPECT_EQ(withTable.readFile(T(path), true), 1);
+    EXPECT_EQ(std::string(raw, 24), table);
 
     EXPECT_EQ(reader.readFile(T(folder.file("missing.bin")), false), 0);
     header = reader.getFileHeaderInfo(T(folder.file("missing.bin")));
-    EXPECT_EQ(header.headerValue, 0.0f);
-    EXPECT_EQ(header.totalSize, 0u);
-    EXPECT_EQ(header.blockCount, 0u);
-    EXPECT_EQ(std::string(header.reserved, 128), std::string(128, '\0'));
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(&header), sizeof header), std::string(152, '\0'));
     EXPECT_FALSE(reader.writeFile(T(folder.file("no/such/dir.bin")), 0));
 }
 
@@ -112,33 +95,24 @@ TEST(CzbFileMgrAdv, EditFileGrowsAndShrinks) {
     char a[] = "0123456789", c[] = "abcdef";
     std::string path = writeThree(folder, a, c);
     std::string original = readBytes(path);
-    // Reserved bytes of a stored file are carried over.
-    original[30] = 'R';
+    original[30] = 'R'; // reserved bytes of a stored file are carried over
     writeBytes(path, original);
 
     CzbFileMgrAdv mgr;
     EXPECT_TRUE(mgr.editFile(T(path), 1, T("WXYZ"), 4));
-    std::string bytes = readBytes(path);
-    ASSERT_EQ(bytes.size(), 196u);
-    EXPECT_EQ(bytes.substr(0, 8), original.substr(0, 8));
-    EXPECT_EQ(at64(bytes, 8), 20u);
-    EXPECT_EQ(at64(bytes, 16), 3u);
-    EXPECT_EQ(bytes[30], 'R');
-    EXPECT_EQ(bytes.substr(152, 24), le64(10) + le64(4) + le64(6));
-    EXPECT_EQ(bytes.substr(176), "0123456789WXYZabcdef");
-    EXPECT_EQ(mgr.getFileHeaderInfo(T(path)).headerValue, 1.5f);
-
+    std::string expected =
+        fileBytes(original.substr(0, 4), 20, le64(10) + le64(4) + le64(6), "0123456789WXYZabcdef");
+    expected[30] = 'R';
+    EXPECT_EQ(readBytes(path), expected);
     EXPECT_TRUE(mgr.editFile(T(path), 0, T("k"), 1));
-    bytes = readBytes(path);
-    EXPECT_EQ(bytes.size(), 187u);
-    EXPECT_EQ(at64(bytes, 8), 11u);
-    EXPECT_EQ(bytes.substr(176), "kWXYZabcdef");
+    expected = fileBytes(original.substr(0, 4), 11, le64(1) + le64(4) + le64(6), "kWXYZabcdef");
+    expected[30] = 'R';
+    EXPECT_EQ(readBytes(path), expected);
 
-    std::string before = readBytes(path);
     EXPECT_FALSE(mgr.editFile(T(path), 3, T("x"), 1));
     EXPECT_FALSE(mgr.editFile(T(path), -1, T("x"), 1));
     EXPECT_FALSE(mgr.editFile(T(folder.file("missing.bin")), 0, T("x"), 1));
-    EXPECT_EQ(readBytes(path), before);
+    EXPECT_EQ(readBytes(path), expected);
 }
 
 TEST(CzbFileMgrAdv, LyingHeadersAndShortLists) {

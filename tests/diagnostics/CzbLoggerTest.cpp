@@ -28,12 +28,28 @@ std::string yymmdd(const SYSTEMTIME& t) {
     return text;
 }
 
+// The flat mode's file of a record.
+std::string fileOf(const std::string& prefix, const CzbLogger::_LoggerData& r) {
+    return prefix + "_" + yymmdd(r.time) + ".log";
+}
+
 std::string expectedLine(const CzbLogger::_LoggerData& r) {
     char line[700];
     std::snprintf(line, sizeof line, "%08d   %02d/%02d/%02d %02d:%02d:%02d.%03d   L[%02d] %s",
                   r.number, r.time.wYear % 100, r.time.wMonth, r.time.wDay, r.time.wHour,
                   r.time.wMinute, r.time.wSecond, r.time.wMilliseconds, r.level, r.text);
     return line;
+}
+
+// Every line of every file in the folder.
+std::vector<std::string> linesIn(const std::filesystem::path& folder) {
+    std::vector<std::string> lines;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        for (auto& line : diagtest::readLines(entry.path())) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
 }
 
 // Waits, without a reset, until the saver has handled every stored record.
@@ -43,8 +59,8 @@ void waitForSaver(CzbLogger& logger) {
     }
 }
 
-// A subclass that also runs save passes from threads of its own. Like every subclass whose
-// operations the saver calls, it stops the saver before its own part is destroyed.
+// A subclass that also runs save passes from threads of its own; it stops the saver before
+// its own part is destroyed.
 class PassingLogger : public CzbLogger {
 public:
     PassingLogger(int records, int bytes) : CzbLogger(records, bytes) {}
@@ -67,54 +83,42 @@ TEST(CzbLogger, RingKeepsTheNewestRecordsInOrder) {
     CzbLogger defaults;
     EXPECT_EQ(defaults.getBufferSize(), 200);
     EXPECT_EQ(defaults.getLogStringLen(), 512);
-    EXPECT_EQ(defaults.GetLogDataNum(), 0);
-    EXPECT_EQ(defaults.m_threadState.load(), 0);
     defaults.setLog(Text("first %d"), 7);
-    EXPECT_EQ(defaults.GetLogData(0), &defaults.m_logData[0]);
-    EXPECT_EQ(defaults.GetLogData(0)->number, 0);
-    EXPECT_EQ(defaults.GetLogData(0)->level, 0);
     EXPECT_STREQ(defaults.GetLogData(0)->text, "first 7");
 
     CzbLogger ring(3, 64);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 5; ++i) {
         ring.setLog(Text("m%d"), i);
     }
     EXPECT_EQ(ring.GetLogDataNum(), 3);
-    EXPECT_EQ(ring.GetLogData(0), &ring.m_logData[0]);
-    ring.setLog(Text("m3"));
-    ring.setLog(Text("m4"));
-    EXPECT_EQ(ring.GetLogDataNum(), 3);
-    EXPECT_EQ(ring.GetLogData(0)->number, 2);
-    EXPECT_EQ(ring.GetLogData(1)->number, 3);
-    EXPECT_EQ(ring.GetLogData(2)->number, 4);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(ring.GetLogData(i)->number, i + 2);
+    }
     EXPECT_STREQ(ring.GetLogData(2)->text, "m4");
     EXPECT_EQ(ring.GetLogData(3), nullptr);
     EXPECT_EQ(ring.GetLogData(-1), nullptr);
-
     ring.resetLogCount(0);
     EXPECT_EQ(ring.GetLogDataNum(), 0);
     ring.setLog(Text("again"));
-    EXPECT_EQ(ring.GetLogData(0)->number, 0);
     EXPECT_EQ(ring.GetLogData(0), &ring.m_logData[0]);
+    EXPECT_EQ(ring.GetLogData(0)->number, 0);
 
     // Messages are cut to the text block, and sizes below 1 are raised to 1.
-    CzbLogger small(0, 6);
+    CzbLogger small(0, 6), wide(1, 2000), tiny(1, -4);
     EXPECT_EQ(small.getBufferSize(), 1);
-    small.setLog(Text("abcdefghij"));
-    EXPECT_STREQ(small.GetLogData(0)->text, "abcde");
-    std::string huge(900, 'h');
-    CzbLogger wide(1, 2000);
-    wide.setLog(Text("%s"), huge.c_str());
-    EXPECT_EQ(std::strlen(wide.GetLogData(0)->text), 511u);
-    CzbLogger tiny(1, -4);
     EXPECT_EQ(tiny.getLogStringLen(), 1);
+    small.setLog(Text("abcdefghij"));
+    wide.setLog(Text("%s"), std::string(900, 'h').c_str());
     tiny.setLog(Text("x"));
+    EXPECT_STREQ(small.GetLogData(0)->text, "abcde");
+    EXPECT_EQ(std::strlen(wide.GetLogData(0)->text), 511u);
     EXPECT_STREQ(tiny.GetLogData(0)->text, "");
 
     char date[9], time[13];
     defaults.getDateTime(date, time);
-    EXPECT_TRUE(std::regex_match(date, std::regex("^\\d\\d/\\d\\d/\\d\\d$")));
-    EXPECT_TRUE(std::regex_match(time, std::regex("^\\d\\d:\\d\\d:\\d\\d\\.\\d{3}$")));
+    EXPECT_TRUE(
+        std::regex_match(std::string(date) + " " + time,
+                         std::regex("^\\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}$")));
 }
 
 TEST(CzbLogger, FlatFileHoldsExactLines) {
@@ -123,35 +127,19 @@ TEST(CzbLogger, FlatFileHoldsExactLines) {
     {
         CzbLogger logger(16, 128);
         logger.setWriteFileMode(Text(prefix), 5);
-        EXPECT_EQ(logger.m_threadState.load(), 1);
         // A second start while the saver runs changes nothing.
         logger.setWriteFileMode(Text(folder.file("Other")), 1);
         logger.setWriteFileMode2(Text(folder.path().string()), Text("Other"), 1);
-        EXPECT_STREQ(logger.m_filePrefix, prefix.c_str());
-        EXPECT_EQ(logger.m_fileMode, 0);
-        EXPECT_EQ(logger.m_savePeriod, 5);
-        for (int i = 0; i < 5; ++i) {
-            logger.setLog(Text("value %d of %s"), i, "five");
-        }
-        std::vector<CzbLogger::_LoggerData> records;
+        logger.setLog(Text("value %d of %s"), 2, "five");
         logger.resetLogCount(1);
-        for (int i = 0; i < 5; ++i) {
-            records.push_back(logger.m_logData[i]);
-        }
-        std::string expected;
-        for (const auto& r : records) {
-            expected += expectedLine(r) + diagtest::kEol;
-        }
-        std::string name = prefix + "_" + yymmdd(records[0].time) + ".log";
-        if (yymmdd(records[0].time) == yymmdd(records[4].time)) {
-            EXPECT_EQ(diagtest::readBytes(name), expected);
-        }
-        for (const auto& line : diagtest::readLines(name)) {
-            EXPECT_TRUE(std::regex_match(line, kLine)) << line;
-        }
-        EXPECT_EQ(expectedLine(records[2]).substr(0, 11), "00000002   ");
-        EXPECT_EQ(expectedLine(records[2]).substr(35), "L[00] value 2 of five");
-
+        EXPECT_EQ(diagtest::readBytes(fileOf(prefix, logger.m_logData[0])),
+                  expectedLine(logger.m_logData[0]) + diagtest::kEol);
+        // A period of 0 saves without waiting between passes.
+        CzbLogger busy(64, 64);
+        busy.setWriteFileMode(Text(folder.file("Busy")), 0);
+        busy.setLog(Text("busy"));
+        busy.resetLogCount(1);
+        EXPECT_EQ(busy.GetLogDataNum(), 0);
         // One record written by hand: the line of the 43rd message of a run.
         SYSTEMTIME t{2026, 11, 4, 19, 9, 5, 7, 123};
         char text[] = "hello";
@@ -164,13 +152,10 @@ TEST(CzbLogger, FlatFileHoldsExactLines) {
         EXPECT_EQ(diagtest::readBytes(single),
                   "00000042   26/11/19 09:05:07.123   L[00] hello" + diagtest::kEol);
     }
-    // Nothing but the log file was written.
-    size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-        EXPECT_EQ(entry.path().extension(), ".log");
-        ++files;
+        EXPECT_EQ(entry.path().extension(), ".log"); // no temporary file, nothing for "Other"
+        EXPECT_NE(entry.path().filename().string().rfind("Other", 0), 0u);
     }
-    EXPECT_GE(files, 1u);
 }
 
 TEST(CzbLogger, DatedFolderMode) {
@@ -186,61 +171,49 @@ TEST(CzbLogger, DatedFolderMode) {
         days.push_back(day);
         std::filesystem::create_directory(folder.path() / day);
     }
-    CzbLogger logger;
-    logger.setWriteFileMode2(Text(folder.path().string()), Text("Run"), 1);
-    logger.setLog(Text("dated"));
-    logger.resetLogCount(1);
-    int found = 0;
-    for (const auto& day : days) {
-        auto file = folder.path() / day / ("Run_" + day + ".log");
-        if (std::filesystem::exists(file)) {
-            auto lines = diagtest::readLines(file);
-            ASSERT_EQ(lines.size(), 1u);
-            std::smatch match;
-            ASSERT_TRUE(std::regex_match(lines[0], match, kLine)) << lines[0];
-            EXPECT_EQ(match[1], "00000000");
-            EXPECT_EQ(match[2], "dated");
-            ++found;
-        }
-    }
-    EXPECT_EQ(found, 1);
-
     // A null prefix is the empty text: the file name starts with the underscore.
-    CzbLogger unnamed;
-    unnamed.setWriteFileMode2(Text(folder.path().string()), nullptr, 1);
-    EXPECT_STREQ(unnamed.m_filePrefix, "");
-    unnamed.setLog(Text("no prefix"));
-    unnamed.resetLogCount(1);
-    found = 0;
-    for (const auto& day : days) {
-        auto file = folder.path() / day / ("_" + day + ".log");
-        if (std::filesystem::exists(file)) {
-            EXPECT_EQ(diagtest::readLines(file).at(0).substr(41), "no prefix");
-            ++found;
+    for (const char* prefix : {"Run", static_cast<const char*>(nullptr)}) {
+        CzbLogger logger;
+        logger.setWriteFileMode2(Text(folder.path().string()),
+                                 prefix != nullptr ? static_cast<char*>(Text(prefix)) : nullptr, 1);
+        logger.setLog(Text("dated"));
+        logger.resetLogCount(1);
+        int found = 0;
+        for (const auto& day : days) {
+            auto file = folder.path() / day / ((prefix ? prefix : "") + ("_" + day + ".log"));
+            if (std::filesystem::exists(file)) {
+                EXPECT_EQ(diagtest::readBytes(file),
+                          expectedLine(logger.m_logData[0]) + diagtest::kEol);
+                ++found;
+            }
         }
+        EXPECT_EQ(found, 1);
     }
-    EXPECT_EQ(found, 1);
 }
 
 TEST(CzbLogger, UnopenableFileMarksTheRecord) {
     TempFolder folder;
     std::string prefix = folder.file("missing") + "/Run";
-    CzbLogger logger(8, 20);
-    logger.setWriteFileMode(Text(prefix), 1);
-    logger.setLog(Text("short"));
-    logger.setLog(Text("exactly nineteen ch"));
-    waitForSaver(logger);
     // The mark always fits its block: the text is cut to make room.
-    EXPECT_STREQ(logger.GetLogData(1)->text, "exa(File Open Fail)");
-    EXPECT_STREQ(logger.GetLogData(0)->text, "sho(File Open Fail)");
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "missing"));
-
-    CzbLogger narrow(2, 10);
-    narrow.setWriteFileMode(Text(prefix), 1);
-    narrow.setLog(Text("x"));
-    waitForSaver(narrow);
-    EXPECT_STREQ(narrow.GetLogData(0)->text, "(File Ope");
-
+    struct Case {
+        int bytes;
+        const char* texts[2];
+        const char* marked[2];
+    };
+    for (const Case& c :
+         {Case{
+              20, {"short", "exactly nineteen ch"}, {"sho(File Open Fail)", "exa(File Open Fail)"}},
+          Case{10, {"x", nullptr}, {"(File Ope", nullptr}}}) {
+        CzbLogger logger(8, c.bytes);
+        logger.setWriteFileMode(Text(prefix), 1);
+        for (int i = 0; i < 2 && c.texts[i] != nullptr; ++i) {
+            logger.setLog(Text(c.texts[i]));
+        }
+        waitForSaver(logger);
+        for (int i = 0; i < 2 && c.texts[i] != nullptr; ++i) {
+            EXPECT_STREQ(logger.GetLogData(i)->text, c.marked[i]);
+        }
+    }
     // A subclass's records take the same way when their file cannot be opened.
     PassingLogger subclass(4, 64);
     subclass.setWriteFileMode(Text(prefix), 1);
@@ -248,8 +221,7 @@ TEST(CzbLogger, UnopenableFileMarksTheRecord) {
     waitForSaver(subclass);
     EXPECT_STREQ(subclass.GetLogData(0)->text, "own way(File Open Fail)");
 
-    // A file name beyond 255 characters is no file that could be opened, and no shorter
-    // name is tried in its place.
+    // A file name beyond 255 characters cannot be opened, and no shorter name is tried.
     std::string longPrefix = folder.file(std::string(249 - folder.path().string().size(), 'p'));
     ASSERT_EQ(longPrefix.size(), 250u);
     CzbLogger longName(4, 64);
@@ -258,33 +230,6 @@ TEST(CzbLogger, UnopenableFileMarksTheRecord) {
     waitForSaver(longName);
     EXPECT_STREQ(longName.GetLogData(0)->text, "long(File Open Fail)");
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
-}
-
-TEST(CzbLogger, ResetWaitsForEverySavedRecord) {
-    TempFolder folder;
-    std::string prefix = folder.file("Wait");
-    CzbLogger idle;
-    idle.setLog(Text("no saver"));
-    idle.resetLogCount(1); // returns at once: no thread runs
-
-    CzbLogger logger(1000, 64);
-    logger.setWriteFileMode(Text(prefix), 40);
-    for (int i = 0; i < 300; ++i) {
-        logger.setLog(Text("line %d"), i);
-    }
-    logger.resetLogCount(1);
-    size_t lines = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-        lines += diagtest::readLines(entry.path()).size();
-    }
-    EXPECT_EQ(lines, 300u);
-    EXPECT_EQ(logger.GetLogDataNum(), 0);
-
-    // A period of 0 saves without waiting between passes.
-    CzbLogger busy(64, 64);
-    busy.setWriteFileMode(Text(folder.file("Busy")), 0);
-    busy.setLog(Text("busy"));
-    busy.resetLogCount(1);
 }
 
 TEST(CzbLogger, EightWritersEveryRecordOnceInOrder) {
@@ -314,7 +259,7 @@ TEST(CzbLogger, EightWritersEveryRecordOnceInOrder) {
         int lastNumber = -1;
         std::map<int, int> lastItem;
         for (const auto& line : diagtest::readLines(entry.path())) {
-            std::smatch match;
+            std::smatch match, parts;
             ASSERT_TRUE(std::regex_match(line, match, kLine)) << line;
             int number = std::stoi(match[1]);
             EXPECT_GT(number, lastNumber);
@@ -322,13 +267,9 @@ TEST(CzbLogger, EightWritersEveryRecordOnceInOrder) {
             ASSERT_LT(number, writers * perWriter);
             ++seen[number];
             std::string text = match[2];
-            std::smatch parts;
             ASSERT_TRUE(std::regex_match(text, parts, body)) << text;
             int writer = std::stoi(parts[1]), item = std::stoi(parts[2]);
-            auto last = lastItem.find(writer);
-            if (last != lastItem.end()) {
-                EXPECT_GT(item, last->second);
-            }
+            EXPECT_TRUE(lastItem.count(writer) == 0 || item > lastItem[writer]);
             lastItem[writer] = item;
         }
     }
@@ -343,15 +284,9 @@ TEST(CzbLogger, CopiesOwnTheirRing) {
         source.setLog(Text("s%d"), i);
     }
     CzbLogger copy(source);
-    EXPECT_NE(copy.m_logData, source.m_logData);
-    EXPECT_EQ(copy.m_threadState.load(), 0);
     ASSERT_EQ(copy.GetLogDataNum(), 4);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_STREQ(copy.GetLogData(i)->text, source.GetLogData(i)->text);
-        EXPECT_NE(copy.GetLogData(i)->text, source.GetLogData(i)->text);
-    }
+    EXPECT_NE(copy.GetLogData(3)->text, source.GetLogData(3)->text);
     source.setLog(Text("later"));
-    EXPECT_STREQ(copy.GetLogData(3)->text, "s5");
     CzbLogger& same = copy;
     copy = same; // assigning a logger to itself changes nothing
     EXPECT_EQ(copy.GetLogDataNum(), 4);
@@ -362,14 +297,12 @@ TEST(CzbLogger, CopiesOwnTheirRing) {
     running.setWriteFileMode(Text(folder.file("Copy")), 1);
     running.setLog(Text("r"));
     CzbLogger assigned(2, 8);
-    assigned = running;
-    EXPECT_EQ(assigned.getBufferSize(), 8);
+    assigned = running; // no saver comes with the copy
     EXPECT_EQ(assigned.m_threadState.load(), 0);
     EXPECT_STREQ(assigned.GetLogData(0)->text, "r");
     // Assigning to a logger with a saver stops that saver first.
     running = source;
     EXPECT_EQ(running.m_threadState.load(), 0);
-    EXPECT_EQ(running.getBufferSize(), 4);
     EXPECT_STREQ(running.GetLogData(3)->text, "later");
 }
 
@@ -388,41 +321,30 @@ TEST(CzbLogger, UnusualFieldsAndLongRunsKeepThePrintfBytes) {
     for (int i = 0; i < count; ++i) {
         logger.m_logData[i].time = day;
     }
-    logger.m_logData[1].number = 123456789;
-    logger.m_logData[2].number = -5;
-    logger.m_logData[3].level = -3;
-    logger.m_logData[4].level = 100;
-    logger.m_logData[5].time.wMilliseconds = 5000;
-    logger.m_logData[6].time.wSecond = 61;
-    logger.m_logData[6].time.wHour = 7;
-    logger.m_logData[7].number = INT_MIN;
-    logger.m_logData[10].time.wHour = 100;
-    logger.m_logData[11].time.wMinute = 100;
-    logger.m_logData[12].time.wSecond = 100;
-    std::strcpy(logger.m_logData[8].text, "two\nlines");
-    logger.m_logData[9].text[0] = '\0';
+    CzbLogger::_LoggerData* r = logger.m_logData;
+    r[1].number = 123456789;
+    r[2].number = -5;
+    r[3].level = -3;
+    r[4].level = 100;
+    r[5].time.wMilliseconds = 5000;
+    r[6].time.wSecond = 61;
+    r[6].time.wHour = 7;
+    r[7].number = INT_MIN;
+    r[10].time.wHour = 100;
+    r[11].time.wMinute = 100;
+    r[12].time.wSecond = 100;
+    std::strcpy(r[8].text, "two\nlines");
+    r[9].text[0] = '\0';
     std::string expected;
     for (int i = 0; i < count; ++i) {
-        expected += expectedLine(logger.m_logData[i]) + diagtest::kEol;
+        expected += expectedLine(r[i]) + diagtest::kEol;
     }
     // A text-mode stream writes the line end inside a text as a line end too.
-    size_t inner = expected.find("two\nlines");
-    expected.replace(inner, 9, "two" + diagtest::kEol + "lines");
+    expected.replace(expected.find("two\nlines"), 9, "two" + diagtest::kEol + "lines");
 
     logger.setWriteFileMode(Text(prefix), 1);
     logger.resetLogCount(1);
     EXPECT_EQ(diagtest::readBytes(prefix + "_" + yymmdd(day) + ".log"), expected);
-    EXPECT_EQ(expectedLine(logger.m_logData[7]).substr(0, 11), "-2147483648");
-
-    // The same bytes through setLogDataToFile, for any stream a host gives it.
-    std::string single = folder.file("single.log");
-    FILE* file = std::fopen(single.c_str(), "a");
-    ASSERT_NE(file, nullptr);
-    for (int i = 0; i < count; ++i) {
-        logger.setLogDataToFile(file, &logger.m_logData[i]);
-    }
-    std::fclose(file);
-    EXPECT_EQ(diagtest::readBytes(single), expected);
 
     // The running number wraps past the largest int; the ring then counts as full.
     CzbLogger wrap(4, 16);
@@ -445,46 +367,35 @@ TEST(CzbLogger, EachRecordOfAPassGoesToTheFileOfItsOwnDay) {
         const char* file;
     };
     const Stamp stamps[] = {
-        {2026, 11, 19, 23, 59, 59, 900, "261119"}, {2026, 11, 20, 0, 0, 0, 100, "261120"},
-        {2026, 11, 20, 0, 0, 0, 200, "261120"},    // the same second
-        {2026, 11, 20, 0, 1, 0, 0, "261120"},      // another minute
-        {2026, 11, 20, 1, 1, 0, 0, "261120"},      // another hour
-        {2026, 12, 20, 1, 1, 0, 0, "261220"},      // another month
-        {2027, 12, 20, 1, 1, 0, 0, "271220"},      // another year
-        {2027, 12, 21, 1, 1, 0, 0, "271221"},      // another day
-        {2027, 12, 21, 1, 1, 7, 0, "271221"},      // another second
-        {2026, 11, 19, 23, 59, 59, 950, "261119"}, // back to the first day
-        {2126, 11, 19, 8, 0, 0, 0, "261119"},      // a century on: the same name
-        {2026, 100, 19, 8, 0, 0, 0, "2610019"},    // fields beyond two digits are printed whole
+        {2026, 11, 19, 23, 59, 59, 900, "261119"},
+        {2026, 11, 20, 0, 0, 0, 100, "261120"},
+        {2026, 12, 20, 1, 1, 0, 0, "261220"},
+        {2027, 12, 20, 1, 1, 0, 0, "271220"},
+        {2026, 11, 19, 23, 59, 59, 950, "261119"},
+        {2126, 11, 19, 8, 0, 0, 0, "261119"},   // a century on: the same name
+        {2026, 100, 19, 8, 0, 0, 0, "2610019"}, // fields beyond two digits are printed whole
         {2026, 11, 100, 8, 0, 0, 0, "2611100"},
     };
-    const int count = static_cast<int>(sizeof stamps / sizeof stamps[0]);
     CzbLogger logger(32, 64);
     std::map<std::string, std::string> expected;
-    for (int i = 0; i < count; ++i) {
+    int i = 0;
+    for (const Stamp& s : stamps) {
         logger.setLog(Text("record %d"), i);
-        const Stamp& s = stamps[i];
-        SYSTEMTIME t{s.year, s.month, 0, s.day, s.hour, s.minute, s.second, s.millisecond};
-        logger.m_logData[i].time = t;
-        expected[s.file] += expectedLine(logger.m_logData[i]) + diagtest::kEol;
+        logger.m_logData[i].time = {s.year, s.month,  0,        s.day,
+                                    s.hour, s.minute, s.second, s.millisecond};
+        expected[s.file] += expectedLine(logger.m_logData[i++]) + diagtest::kEol;
     }
     logger.setWriteFileMode(Text(prefix), 1);
     logger.resetLogCount(1);
-    size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-        (void)entry;
-        ++files;
-    }
-    EXPECT_EQ(files, expected.size());
+    auto entries = std::filesystem::directory_iterator(folder.path());
+    EXPECT_EQ(static_cast<size_t>(std::distance(begin(entries), end(entries))), expected.size());
     for (const auto& file : expected) {
         EXPECT_EQ(diagtest::readBytes(prefix + "_" + file.first + ".log"), file.second)
             << file.first;
     }
-    EXPECT_EQ(expected["261119"].substr(0, 41), "00000000   26/11/19 23:59:59.900   L[00] ");
-    EXPECT_EQ(expected["2610019"].substr(11, 30), "26/100/19 08:00:00.000   L[00]");
 }
 
-TEST(CzbLogger, TextsAtTheLimitsOfTheirBlocks) {
+TEST(CzbLogger, TextsAtTheLimitsOfTheirBlocksAndExistingFiles) {
     TempFolder folder;
     // A block of one byte holds the empty text only: the line ends behind "L[00] ".
     std::string tinyPrefix = folder.file("Tiny");
@@ -492,9 +403,8 @@ TEST(CzbLogger, TextsAtTheLimitsOfTheirBlocks) {
     tiny.setLog(Text("dropped"));
     tiny.setWriteFileMode(Text(tinyPrefix), 1);
     tiny.resetLogCount(1);
-    EXPECT_EQ(diagtest::readBytes(tinyPrefix + "_" + yymmdd(tiny.m_logData[0].time) + ".log"),
+    EXPECT_EQ(diagtest::readBytes(fileOf(tinyPrefix, tiny.m_logData[0])),
               expectedLine(tiny.m_logData[0]) + diagtest::kEol);
-    EXPECT_EQ(expectedLine(tiny.m_logData[0]).substr(35), "L[00] ");
 
     // A text that the host wrote into a large block itself is saved up to 64 KiB.
     std::string widePrefix = folder.file("Wide");
@@ -504,36 +414,25 @@ TEST(CzbLogger, TextsAtTheLimitsOfTheirBlocks) {
     wide.m_logData[0].text[70000] = '\0';
     wide.setWriteFileMode(Text(widePrefix), 1);
     wide.resetLogCount(1);
-    std::vector<std::string> lines =
-        diagtest::readLines(widePrefix + "_" + yymmdd(wide.m_logData[0].time) + ".log");
+    std::vector<std::string> lines = diagtest::readLines(fileOf(widePrefix, wide.m_logData[0]));
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].substr(41), std::string(65536, 'w'));
-}
 
-TEST(CzbLogger, AnExistingFileIsAppendedToAsItStands) {
-    TempFolder folder;
+    // What the host left in a file is its own: only lines the logger cut get a line end.
     std::string prefix = folder.file("Part");
     CzbLogger logger(8, 64);
     logger.setLog(Text("own line"));
-    std::string name = prefix + "_" + yymmdd(logger.m_logData[0].time) + ".log";
-    // What the host left in the file is its own: only lines the logger cut get a line end.
+    std::string name = fileOf(prefix, logger.m_logData[0]);
     diagtest::writeBytes(name, "host text");
     logger.setWriteFileMode(Text(prefix), 1);
     logger.resetLogCount(1);
     EXPECT_EQ(diagtest::readBytes(name),
               "host text" + expectedLine(logger.m_logData[0]) + diagtest::kEol);
-    logger.setLog(Text("next"));
-    logger.resetLogCount(1);
-    EXPECT_EQ(diagtest::readLines(name).size(), 2u);
-    EXPECT_EQ(diagtest::readLines(name)[1], expectedLine(logger.m_logData[0]));
 }
 
 TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
     TempFolder folder;
     auto started = std::chrono::steady_clock::now();
-    auto seconds = [&] {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-    };
     {
         // A period far longer than the test: after the first pass only a wake-up can make
         // another one.
@@ -551,19 +450,14 @@ TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
         waitForSaver(logger);
         logger.setLog(Text("one more"));
         logger.resetLogCount(1);
-        size_t lines = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-            lines += diagtest::readLines(entry.path()).size();
-        }
-        EXPECT_EQ(lines, 52u);
+        EXPECT_EQ(linesIn(folder.path()).size(), 52u);
     } // and the destructor does not wait out the period
-    EXPECT_LT(seconds(), 60.0);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(60));
 }
 
 #if !defined(_WIN32)
 // POSIX appends are atomic per write. On Windows the runtime seeks to the end and then writes,
-// so two handles appending at once may overwrite each other's lines: there overlapping passes
-// are the subclass's own risk.
+// so overlapping passes are the subclass's own risk there.
 TEST(CzbLogger, PassesOnSeveralThreadsWriteWholeLines) {
     TempFolder folder;
     const int count = 3000;
@@ -590,13 +484,11 @@ TEST(CzbLogger, PassesOnSeveralThreadsWriteWholeLines) {
     }
     // Passes that overlap may both write a record; every line stays whole.
     std::vector<int> seen(count, 0);
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-        for (const auto& line : diagtest::readLines(entry.path())) {
-            std::smatch match;
-            ASSERT_TRUE(std::regex_match(line, match, kLine)) << line;
-            ASSERT_EQ(match[2].str(), "record " + match[1].str().substr(3));
-            ++seen[std::stoi(match[1])];
-        }
+    for (const auto& line : linesIn(folder.path())) {
+        std::smatch match;
+        ASSERT_TRUE(std::regex_match(line, match, kLine)) << line;
+        ASSERT_EQ(match[2].str(), "record " + match[1].str().substr(3));
+        ++seen[std::stoi(match[1])];
     }
     for (int i = 0; i < count; ++i) {
         ASSERT_GE(seen[i], 1) << i;

@@ -17,63 +17,52 @@ TEST(CzbString, FindAndReverseFind) {
     EXPECT_EQ(CzbString::ReverseFind("a/b/c", '/'), 3);
     EXPECT_EQ(CzbString::ReverseFind("abc", '\0'), 3);
     EXPECT_EQ(CzbString::ReverseFind("abc", 'x'), -1);
-
-    EXPECT_EQ(CzbString::Find("banana", Text("nan")), 2);
-    EXPECT_EQ(CzbString::Find("banana", Text("nab")), -1);
-    EXPECT_EQ(CzbString::Find("ban", Text("bana")), -1);
-    EXPECT_EQ(CzbString::Find("abc", Text("")), -1);
-    EXPECT_EQ(CzbString::Find("", Text("a")), -1);
-
+    struct Case {
+        const char *text, *sub;
+        int at;
+    };
+    for (const Case& c : {Case{"banana", "nan", 2}, Case{"banana", "nab", -1},
+                          Case{"ban", "bana", -1}, Case{"abc", "", -1}, Case{"", "a", -1}}) {
+        EXPECT_EQ(CzbString::Find(c.text, Text(c.sub)), c.at) << c.text << " " << c.sub;
+    }
     EXPECT_EQ(CzbString::StringFind("xyabc", "ab"), 2);
     EXPECT_EQ(CzbString::StringFind("abc", "ab"), 0);
     EXPECT_EQ(CzbString::StringFind("abc", "x"), -1);
 }
 
 TEST(CzbString, LeftRightMidCopyOrRefuse) {
-    char dst[16];
-    memset(dst, 0, sizeof dst);
+    char dst[16] = {};
     EXPECT_TRUE(CzbString::Left("abcd", dst, 16, 2));
     EXPECT_STREQ(dst, "ab");
+    EXPECT_TRUE(CzbString::Right("abcd", dst, 16, 2));
+    EXPECT_STREQ(dst, "cd");
+    // Refusals leave dst untouched.
     EXPECT_FALSE(CzbString::Left("abcd", dst, 16, 4));
     EXPECT_FALSE(CzbString::Left("abcd", dst, 2, 2));
     EXPECT_FALSE(CzbString::Left("abcd", dst, 16, -1));
-
-    memset(dst, 0, sizeof dst);
-    EXPECT_TRUE(CzbString::Right("abcd", dst, 16, 2));
-    EXPECT_STREQ(dst, "cd");
     EXPECT_FALSE(CzbString::Right("abcd", dst, 16, 4));
     EXPECT_FALSE(CzbString::Right("abcd", dst, 16, -1));
     EXPECT_FALSE(CzbString::Right("abcd", dst, 2, 2));
     EXPECT_FALSE(CzbString::Mid("abcdef", dst, 3, 1, 3));
     EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 2, -2));
-    EXPECT_STREQ(dst, "cd");
-
-    memset(dst, 0, sizeof dst);
-    EXPECT_TRUE(CzbString::Mid("abcdef", dst, 16, 2, 3));
-    EXPECT_STREQ(dst, "cde");
     EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 2, 4));
-    memset(dst, 0, sizeof dst);
-    EXPECT_TRUE(CzbString::Mid("abcdef", dst, 16, 2, -1));
-    EXPECT_STREQ(dst, "cdef");
     EXPECT_FALSE(CzbString::Mid("abcdef", dst, 4, 2, -1));
     EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 7, 1));
     EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, -1, 1));
+    EXPECT_STREQ(dst, "cd");
+    EXPECT_TRUE(CzbString::Mid("abcdef", dst, 16, 2, 3));
+    EXPECT_STREQ(dst, "cde");
+    EXPECT_TRUE(CzbString::Mid("abcdef", dst, 16, 2, -1));
+    EXPECT_STREQ(dst, "cdef");
 
     // Count 0 copies nothing; only the last byte becomes the terminator.
     memset(dst, 'z', sizeof dst);
     EXPECT_TRUE(CzbString::Left("abcd", dst, 8, 0));
-    EXPECT_EQ(std::string(dst, 8), std::string("zzzzzzz\0", 8));
-    EXPECT_EQ(dst[8], 'z');
-
-    // A refusal leaves dst untouched.
-    memset(dst, 'q', sizeof dst);
-    EXPECT_FALSE(CzbString::Right("ab", dst, 16, 5));
-    EXPECT_EQ(dst[15], 'q');
+    EXPECT_EQ(std::string(dst, 9), std::string("zzzzzzz\0z", 9));
 }
 
 TEST(CzbString, PathSplitting) {
     char path1[] = "a.b.txt";
-    EXPECT_STREQ(CzbString::GetExt(path1), "txt");
     EXPECT_EQ(CzbString::GetExt(path1), path1 + 4);
     EXPECT_STREQ(CzbString::GetExt("a."), "");
     EXPECT_EQ(CzbString::GetExt(".cfg"), nullptr);
@@ -86,42 +75,35 @@ TEST(CzbString, PathSplitting) {
     EXPECT_FALSE(CzbString::GetExt(dst, 16, "abc"));
     EXPECT_EQ(dst[0], 'q');
     // A result longer than the buffer is cut and terminated inside it.
-    memset(dst, 'q', sizeof dst);
     EXPECT_TRUE(CzbString::GetExt(dst, 4, "a.longext"));
-    EXPECT_STREQ(dst, "lon");
-    EXPECT_EQ(dst[4], 'q');
+    EXPECT_EQ(std::string(dst, 5), std::string("lon\0q", 5));
 
-    CzbString::GetName(dst, 16, "w\\x\\y.txt");
-    EXPECT_STREQ(dst, "y.txt");
-    CzbString::GetName(dst, 16, "a/b.txt");
-    EXPECT_STREQ(dst, "b.txt");
-    CzbString::GetName(dst, 16, "a\\b/c\\d");
-    EXPECT_STREQ(dst, "c\\d");
-    CzbString::GetName(dst, 16, "b.txt");
-    EXPECT_STREQ(dst, "");
-
-    CzbString::GetPath(dst, 16, "a/b/c.txt");
-    EXPECT_STREQ(dst, "a/b");
-    CzbString::GetPath(dst, 16, "/c.txt");
-    EXPECT_STREQ(dst, "");
-    CzbString::GetPath(dst, 16, "c.txt");
-    EXPECT_STREQ(dst, "");
+    for (auto c : {std::make_pair("w\\x\\y.txt", "y.txt"), std::make_pair("a/b.txt", "b.txt"),
+                   std::make_pair("a\\b/c\\d", "c\\d"), std::make_pair("b.txt", "")}) {
+        CzbString::GetName(dst, 16, c.first);
+        EXPECT_STREQ(dst, c.second) << c.first;
+    }
+    for (auto c : {std::make_pair("a/b/c.txt", "a/b"), std::make_pair("/c.txt", ""),
+                   std::make_pair("c.txt", "")}) {
+        CzbString::GetPath(dst, 16, c.first);
+        EXPECT_STREQ(dst, c.second) << c.first;
+    }
     memset(dst, 'q', sizeof dst);
     CzbString::GetPath(dst, 5, "abcdefgh/x");
-    EXPECT_STREQ(dst, "abcd");
-    EXPECT_EQ(dst[5], 'q');
+    EXPECT_EQ(std::string(dst, 6), std::string("abcd\0q", 6));
 
     char full[64];
-    for (const char* relative : {"./b.dat", "/b.dat", "b.dat"}) {
-        EXPECT_TRUE(CzbString::GetFullPathName(full, 64, "dir/sub/a.cfg", relative));
-        EXPECT_STREQ(full, "dir/sub/b.dat");
+    struct Case {
+        const char *base, *relative, *result;
+    };
+    for (const Case& c : {Case{"dir/sub/a.cfg", "./b.dat", "dir/sub/b.dat"},
+                          Case{"dir/sub/a.cfg", "/b.dat", "dir/sub/b.dat"},
+                          Case{"dir/sub/a.cfg", "b.dat", "dir/sub/b.dat"},
+                          Case{"dir/sub/a.cfg", "../b.dat", "dir/sub/../b.dat"},
+                          Case{"a.cfg", "b.dat", "b.dat"}, Case{"dir\\a.cfg", "b.dat", "b.dat"}}) {
+        EXPECT_TRUE(CzbString::GetFullPathName(full, 64, c.base, c.relative));
+        EXPECT_STREQ(full, c.result) << c.base << " " << c.relative;
     }
-    EXPECT_TRUE(CzbString::GetFullPathName(full, 64, "dir/sub/a.cfg", "../b.dat"));
-    EXPECT_STREQ(full, "dir/sub/../b.dat");
-    EXPECT_TRUE(CzbString::GetFullPathName(full, 64, "a.cfg", "b.dat"));
-    EXPECT_STREQ(full, "b.dat");
-    EXPECT_TRUE(CzbString::GetFullPathName(full, 64, "dir\\a.cfg", "b.dat"));
-    EXPECT_STREQ(full, "b.dat");
     // Folder part fits, the rest does not: false, the folder part stays.
     EXPECT_FALSE(CzbString::GetFullPathName(full, 10, "dir/sub/a.cfg", "b.dat"));
     EXPECT_STREQ(full, "dir/sub/");
@@ -147,38 +129,32 @@ TEST(CzbString, NumbersCaseAndReplace) {
     for (const char* no : {"+1", "1e5", "1-", "1.2.3", " 1", "a"}) {
         EXPECT_FALSE(CzbString::IsNumber(Text(no))) << no;
     }
-
     char word[] = "MiXeD 1.";
     CzbString::MakeLower(word);
     EXPECT_STREQ(word, "mixed 1.");
     CzbString::MakeUpper(word);
     EXPECT_STREQ(word, "MIXED 1.");
 
-    char text[64] = "aXbXc";
-    CzbString::StringReplace(text, Text("X"), Text("YY"));
-    EXPECT_STREQ(text, "aYYbYYc");
-    strcpy(text, "aaa");
-    CzbString::StringReplace(text, Text("aa"), Text("b"));
-    EXPECT_STREQ(text, "ba");
-    strcpy(text, "abc");
-    CzbString::StringReplace(text, Text("x"), Text("y"));
-    EXPECT_STREQ(text, "abc");
-    CzbString::StringReplace(text, Text(""), Text("y"));
-    EXPECT_STREQ(text, "abc");
+    struct Case {
+        const char *text, *from, *to, *result;
+    };
+    char text[64];
+    for (const Case& c : {Case{"aXbXc", "X", "YY", "aYYbYYc"}, Case{"aaa", "aa", "b", "ba"},
+                          Case{"abc", "x", "y", "abc"}, Case{"abc", "", "y", "abc"}}) {
+        strcpy(text, c.text);
+        CzbString::StringReplace(text, Text(c.from), Text(c.to));
+        EXPECT_STREQ(text, c.result) << c.text;
+    }
     CzbString::StringReplace(text, 'b', 'B');
     EXPECT_STREQ(text, "aBc");
     CzbString::StringReplace(text, '\0', 'x');
-    EXPECT_STREQ(text, "aBc");
-    EXPECT_EQ(text[3], '\0');
+    EXPECT_EQ(std::string(text, 4), std::string("aBc\0", 4));
 
     // Growth beyond the 511 characters of the scratch buffer stops replacing and is cut.
     std::vector<char> big(2048, '\0');
-    std::string source(300, 'x');
-    memcpy(big.data(), source.c_str(), source.size() + 1);
+    memset(big.data(), 'x', 300);
     CzbString::StringReplace(big.data(), Text("x"), Text("yy"));
-    std::string result(big.data());
-    EXPECT_EQ(result.size(), 511u);
-    EXPECT_EQ(result, std::string(255 * 2, 'y') + "x");
+    EXPECT_EQ(std::string(big.data()), std::string(255 * 2, 'y') + "x");
 }
 
 TEST(CzbString, WideConversions) {
@@ -189,21 +165,19 @@ TEST(CzbString, WideConversions) {
 
     std::wstring widened = CzbString::ToWString("\xE9z");
     ASSERT_EQ(widened.size(), 2u);
+    // A byte above 127 widens as a signed char does.
     unsigned long element = static_cast<unsigned long>(widened[0]);
     unsigned long upper = static_cast<unsigned long>(static_cast<wchar_t>(-1)) & ~0xFFul;
-    EXPECT_EQ(element & 0xFFul, 0xE9ul);
-    EXPECT_EQ(element & upper, upper);
+    EXPECT_EQ(element, upper | 0xE9ul);
     EXPECT_EQ(widened[1], L'z');
     EXPECT_TRUE(CzbString::ToWString("").empty());
     EXPECT_TRUE(CzbString::ToWString(nullptr).empty());
 
     wchar_t* first = charToWchar(Text("abc"));
-    ASSERT_NE(first, nullptr);
     EXPECT_EQ(first, m_pWstrTemp);
     EXPECT_STREQ(first, L"abc");
     EXPECT_EQ(charToWchar(nullptr), nullptr);
     EXPECT_EQ(m_pWstrTemp, first);
-    EXPECT_STREQ(first, L"abc");
     EXPECT_STREQ(charToWchar(Text("")), L"");
 #if !defined(_WIN32)
     // Bytes that the C locale cannot convert give the empty text.

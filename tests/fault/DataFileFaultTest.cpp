@@ -16,6 +16,7 @@
 #include <cstring>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -108,78 +109,83 @@ struct Writers {
     }
 };
 
+// Writes file0..file3 in the folder, one per writer; returns their bytes.
+std::vector<std::string> writeEach(Writers& writers, const zbtest::TempFolder& dir) {
+    std::vector<std::string> old;
+    for (int kind = 0; kind < 4; ++kind) {
+        const std::string path = dir.file("file" + std::to_string(kind));
+        EXPECT_TRUE(writers.write(path, kind, 0));
+        old.push_back(zbtest::readBytes(path));
+    }
+    return old;
+}
+
+void expectUnchanged(const zbtest::TempFolder& dir, const std::vector<std::string>& old) {
+    for (int kind = 0; kind < 4; ++kind) {
+        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
+    }
+    EXPECT_EQ(entries(dir.path()), 4u);
+}
+
 const char* const kKinds[] = {"savefile", "CzbFileMgr::MakeFile", "CzbFileMgrB::MakeFile",
                               "writeFile"};
 
 } // namespace
 
 TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnAFullDisk) {
-    zbtest::TempFolder dir;
     Writers writers;
-    for (int kind = 0; kind < 4; ++kind) {
-        SCOPED_TRACE(kKinds[kind]);
-        const std::string path = dir.file("file" + std::to_string(kind));
-        ASSERT_TRUE(writers.write(path, kind, 0));
-        const std::string old = zbtest::readBytes(path);
-        if (kind < 2) {
-            EXPECT_EQ(zbtest::readLines(path).size(), static_cast<size_t>(kLines));
+    // Each writer replaces its file of some 330 KB on a disk that stops it: a file size limit,
+    // then a tmpfs with room for one such file, not for two.
+    for (bool tmpfs : {false, true}) {
+        for (int kind = 0; kind < 4; ++kind) {
+            SCOPED_TRACE(std::string(kKinds[kind]) + (tmpfs ? " on a small tmpfs" : ""));
+            zbtest::TempFolder folder;
+            std::optional<zbtest::SmallTmpfs> disk;
+            if (tmpfs && !disk.emplace(512 * 1024).ok()) {
+                GTEST_SKIP() << disk->why();
+            }
+            const fs::path where = tmpfs ? fs::path(disk->path()) : folder.path();
+            const std::string path = (where / "data").string();
+            ASSERT_TRUE(writers.write(path, kind, 0));
+            const std::string old = zbtest::readBytes(path);
+            if (kind < 2) {
+                EXPECT_EQ(zbtest::readLines(path).size(), static_cast<size_t>(kLines));
+            }
+            {
+                std::optional<zbtest::FileSizeLimit> limit;
+                if (!tmpfs) {
+                    limit.emplace(64 * 1024);
+                }
+                EXPECT_EQ(writers.write(path, kind, 1), kind == 2);
+            }
+            EXPECT_TRUE(zbtest::readBytes(path) == old);
+            EXPECT_EQ(entries(where), 1u); // no new file left beside the old one
         }
-        {
-            zbtest::FileSizeLimit limit(64 * 1024);
-            EXPECT_EQ(writers.write(path, kind, 1), kind == 2);
-        }
-        EXPECT_TRUE(zbtest::readBytes(path) == old);
-        // A device is written in place: /dev/full takes no byte, and that is reported.
-        EXPECT_EQ(writers.write("/dev/full", kind, 1), kind == 2);
     }
-    EXPECT_EQ(entries(dir.path()), 4u); // no new file left beside the old ones
-}
-
-TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnANearlyFullDisk) {
-    Writers writers;
+    // A device is written in place: /dev/full takes no byte, and that is reported.
     for (int kind = 0; kind < 4; ++kind) {
-        SCOPED_TRACE(kKinds[kind]);
-        // Room for one file of some 330 KB, not for two.
-        zbtest::SmallTmpfs disk(512 * 1024);
-        if (!disk.ok()) {
-            GTEST_SKIP() << disk.why();
-        }
-        const std::string path = disk.file("data");
-        ASSERT_TRUE(writers.write(path, kind, 0));
-        const std::string old = zbtest::readBytes(path);
-        EXPECT_EQ(writers.write(path, kind, 1), kind == 2);
-        EXPECT_TRUE(zbtest::readBytes(path) == old);
-        if (kind < 2) {
-            EXPECT_EQ(zbtest::readLines(path).size(), static_cast<size_t>(kLines));
-        }
-        EXPECT_EQ(entries(disk.path()), 1u);
+        EXPECT_EQ(writers.write("/dev/full", kind, 1), kind == 2) << kKinds[kind];
     }
 }
 
 TEST(DataFileFault, AFullDeviceFailsEveryWriterWhicheverWriteMeetsIt) {
     // The stream's buffer fills at 4096 bytes; the first write past that point fails. Texts
     // of every length in front of it move that point over every write of a line.
+    char key[16], value[16];
     for (size_t pad = 1; pad <= 18; ++pad) {
         CzbFileDB db;
+        zbBase::CzbFileMgr mgr;
         db.setItem(Text("first"), Text(std::string(pad, 'p')));
-        char key[16], value[16];
-        for (int i = 0; i < 300; ++i) {
+        mgr.SetTitle(Text("First"));
+        mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
+        for (int i = 0; i < 400; ++i) {
             std::snprintf(key, sizeof key, "key%03d", i);
             std::snprintf(value, sizeof value, "value%03d", i);
             db.setItem(key, value);
-        }
-        EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
-    }
-    for (size_t pad = 1; pad <= 13; ++pad) {
-        zbBase::CzbFileMgr mgr;
-        mgr.SetTitle(Text("First"));
-        mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
-        char title[16];
-        for (int i = 0; i < 400; ++i) {
-            std::snprintf(title, sizeof title, "T%03d", i);
-            mgr.SetTitle(title);
+            mgr.SetTitle(key);
             mgr.SetAttribute(Text("n"), Text("v"));
         }
+        EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
         EXPECT_FALSE(mgr.MakeFile(Text("/dev/full"))) << pad;
     }
     // A size table longer than the buffer, a block without data, a block with data.
@@ -211,12 +217,7 @@ TEST(DataFileFault, DescriptorsRunningOut) {
     ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED();
     zbtest::TempFolder dir;
     Writers writers;
-    std::string old[4];
-    for (int kind = 0; kind < 4; ++kind) {
-        const std::string path = dir.file("file" + std::to_string(kind));
-        ASSERT_TRUE(writers.write(path, kind, 0));
-        old[kind] = zbtest::readBytes(path);
-    }
+    const std::vector<std::string> old = writeEach(writers, dir);
     zbtest::Text blocks(dir.file("file3"));
     zbtest::Text edit("edit");
     zbBase::CzbFileMgrAdv mgr;
@@ -232,22 +233,16 @@ TEST(DataFileFault, DescriptorsRunningOut) {
         }
         EXPECT_FALSE(mgr.editFile(blocks, 1, edit, 4));
     }
-    for (int kind = 0; kind < 4; ++kind) {
-        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
-    }
-    EXPECT_EQ(entries(dir.path()), 4u);
+    expectUnchanged(dir, old);
 }
 
 TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
     zbtest::TempFolder dir;
     fs::permissions(dir.path(), fs::perms::all);
     Writers writers;
-    std::string old[4];
+    const std::vector<std::string> old = writeEach(writers, dir);
     for (int kind = 0; kind < 4; ++kind) {
-        const std::string path = dir.file("file" + std::to_string(kind));
-        ASSERT_TRUE(writers.write(path, kind, 0));
-        old[kind] = zbtest::readBytes(path);
-        fs::permissions(path,
+        fs::permissions(dir.file("file" + std::to_string(kind)),
                         fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     }
     // Each writer that reports success on a read-only file sets its bit.
@@ -265,10 +260,7 @@ TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
         return wrote;
     });
     EXPECT_EQ(rc, 0);
-    for (int kind = 0; kind < 4; ++kind) {
-        EXPECT_TRUE(zbtest::readBytes(dir.file("file" + std::to_string(kind))) == old[kind]);
-    }
-    EXPECT_EQ(entries(dir.path()), 4u);
+    expectUnchanged(dir, old);
 }
 
 TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
@@ -451,26 +443,20 @@ TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
     EXPECT_EQ(entries(dir.path()), 3u);
 }
 
-TEST(DataFileFault, TitledFileOfEmptyLinesUnderAMemoryLimit) {
+TEST(DataFileFault, TextFilesThatDoNotFitLeaveTheObjectAsItWas) {
     ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // Three million empty lines under one title are three million records of 384 bytes each:
     // more than 1 GiB holds. The read fails with an empty table, and no exception leaves.
     const std::string sections = dir.file("empty-lines.ini");
     zbtest::writeBytes(sections, "[T]\nname = value\n" + std::string(3000000, '\n'));
-    auto body = [&] {
+    auto titled = [&] {
         zbBase::CzbFileMgr mgr;
-        if (mgr.OpenFile(Text(sections)) || !mgr.m_attributes.empty()) {
-            return 1;
-        }
-        return mgr.m_title[0] == '\0' ? 0 : 2;
+        return !mgr.OpenFile(Text(sections)) && mgr.m_attributes.empty() && mgr.m_title[0] == 0 ? 0
+                                                                                                : 1;
     };
-    EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
-}
+    EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, titled), 0);
 
-TEST(DataFileFault, ItemFileThatDoesNotFitLeavesTheObjectAsItWas) {
-    ZBTEST_SKIP_WHEN_SANITIZED();
-    zbtest::TempFolder dir;
     // An item file that does not fit: the object stays as it was, old values included.
     const std::string items = dir.file("items.txt");
     std::string text = "keep=`new`\n";
