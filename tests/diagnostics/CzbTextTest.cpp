@@ -40,10 +40,12 @@ TEST(CzbText, RingRotatesAndBlocksGrowButNeverShrink) {
 #endif
     // A cursor that the host set outside the ring still takes a slot of it.
     ring.m_current.store(-5);
-    EXPECT_EQ(ring.getFormat(Text("at four")), ring.getBuffer(4));
+    const char* four = ring.getFormat(Text("at four"));
+    EXPECT_EQ(four, ring.getBuffer(4));
     EXPECT_EQ(ring.m_current.load(), 4);
     ring.m_current.store(INT_MAX);
-    EXPECT_EQ(ring.getBufferNew(8), ring.getBuffer(0));
+    const char* zero = ring.getBufferNew(8);
+    EXPECT_EQ(zero, ring.getBuffer(0));
     EXPECT_EQ(ring.m_current.load(), 0);
 
     CzbText small;
