@@ -5,8 +5,8 @@
 #include <zbBase/filesystem/zbPathFileUtil.h>
 #include <zbBase/platform/detail/zbpFileOps.h>
 
+#include "filesystem/TempTree.h"
 #include "support/zbFaults.h"
-#include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -21,12 +21,7 @@ using zbtest::Text;
 
 namespace {
 
-// The library's form of a path.
-std::string lib(const fs::path& path) {
-    std::string text = path.string();
-    std::replace(text.begin(), text.end(), '/', '\\');
-    return text;
-}
+using fstest::lib;
 
 // The names in a folder: a failed copy must leave no new file behind.
 std::vector<std::string> listing(const fs::path& folder) {
@@ -256,73 +251,63 @@ TEST(FileSystemFault, BatchOperationsOfAUserWhoMayNotTouchEveryFile) {
 
 TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     zbtest::TempFolder dir;
-    const fs::path outside = dir.path() / "outside";
+    const fs::path d = dir.path();
+    const fs::path outside = d / "outside";
     zbtest::writeBytes(outside / "precious.txt", "keep");
     zbtest::writeBytes(outside / "sub" / "deep.txt", "keep too");
     auto survived = [&] {
         return zbtest::readBytes(outside / "precious.txt") == "keep" &&
                zbtest::readBytes(outside / "sub" / "deep.txt") == "keep too";
     };
-
-    // The link given as the folder, with and without a closing separator.
-    fs::create_directory_symlink(outside, dir.path() / "link");
-    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "link")), false);
-    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
-    EXPECT_TRUE(survived());
-    fs::create_directory_symlink(outside, dir.path() / "link");
-    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "link") + "\\"), false);
-    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
-    EXPECT_TRUE(survived());
-
-    // A link inside the tree goes with the tree.
-    zbtest::writeBytes(dir.path() / "tree" / "a.txt", "a");
-    fs::create_directory_symlink(outside, dir.path() / "tree" / "inner");
-    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "tree")), false);
-    EXPECT_FALSE(fs::exists(dir.path() / "tree"));
-    EXPECT_TRUE(survived());
-
-    // A dangling link goes; a link to a file is no folder and stays, as a file would.
-    fs::create_directory_symlink(dir.path() / "nowhere", dir.path() / "dangling");
-    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "dangling")), false);
-    EXPECT_FALSE(fs::is_symlink(dir.path() / "dangling"));
-    fs::create_symlink(outside / "precious.txt", dir.path() / "filelink");
-    CzbFileUtil::DeleteFolder(Text(lib(dir.path() / "filelink")), false);
-    EXPECT_TRUE(fs::is_symlink(dir.path() / "filelink"));
+    auto remove = [&](const std::string& name, const std::string& closing = "") {
+        CzbFileUtil::DeleteFolder(Text(lib(d / name) + closing), false);
+        return fs::is_symlink(d / name) || fs::exists(d / name);
+    };
+    auto move = [&](const std::string& from, const std::string& to) {
+        return CzbFileUtil::MoveFolder(Text(lib(d / from)), Text(lib(d / to)), false);
+    };
+    // The link given as the folder, with and without a closing separator, goes alone; so
+    // does a link inside the tree, and a dangling link. A link to a file is no folder and
+    // stays, as a file would.
+    fs::create_directory_symlink(outside, d / "link");
+    EXPECT_FALSE(remove("link"));
+    fs::create_directory_symlink(outside, d / "link");
+    EXPECT_FALSE(remove("link", "\\"));
+    zbtest::writeBytes(d / "tree" / "a.txt", "a");
+    fs::create_directory_symlink(outside, d / "tree" / "inner");
+    EXPECT_FALSE(remove("tree"));
+    fs::create_directory_symlink(d / "nowhere", d / "dangling");
+    EXPECT_FALSE(remove("dangling"));
+    fs::create_symlink(outside / "precious.txt", d / "filelink");
+    EXPECT_TRUE(remove("filelink"));
     EXPECT_TRUE(survived());
 
     // Copying from a link copies what it names; moving it moves the link: the copy is made and
     // the link goes once everything arrived, while the files behind it stay.
-    fs::create_directory_symlink(outside, dir.path() / "link");
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(dir.path() / "link")),
-                                      Text(lib(dir.path() / "copy")), false),
-              1);
-    EXPECT_EQ(zbtest::readBytes(dir.path() / "copy" / "sub" / "deep.txt"), "keep too");
-    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(lib(dir.path() / "link")),
-                                      Text(lib(dir.path() / "moved")), false),
-              0);
-    EXPECT_FALSE(fs::is_symlink(dir.path() / "link"));
-    EXPECT_EQ(zbtest::readBytes(dir.path() / "moved" / "sub" / "deep.txt"), "keep too");
+    fs::create_directory_symlink(outside, d / "link");
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(d / "link")), Text(lib(d / "copy")), false), 1);
+    EXPECT_EQ(zbtest::readBytes(d / "copy" / "sub" / "deep.txt"), "keep too");
+    EXPECT_EQ(move("link", "moved"), 0);
+    EXPECT_FALSE(fs::is_symlink(d / "link"));
+    EXPECT_EQ(zbtest::readBytes(d / "moved" / "sub" / "deep.txt"), "keep too");
     EXPECT_TRUE(survived());
-
     // A move that cannot complete keeps the link, and so does a move of a link to nothing.
-    fs::create_directory_symlink(dir.path() / "nowhere", dir.path() / "dangling");
-    CzbFileUtil::MoveFolder(Text(lib(dir.path() / "dangling")), Text(lib(dir.path() / "m0")),
-                            false);
-    EXPECT_TRUE(fs::is_symlink(dir.path() / "dangling"));
+    fs::create_directory_symlink(d / "nowhere", d / "dangling");
+    move("dangling", "m0");
+    EXPECT_TRUE(fs::is_symlink(d / "dangling"));
     zbtest::writeBytes(outside / ".git" / "config", "not copied");
-    fs::create_directory_symlink(outside, dir.path() / "link");
-    CzbFileUtil::MoveFolder(Text(lib(dir.path() / "link")), Text(lib(dir.path() / "moved2")),
-                            false);
-    EXPECT_TRUE(fs::is_symlink(dir.path() / "link"));
+    fs::create_directory_symlink(outside, d / "link");
+    move("link", "moved2");
+    EXPECT_TRUE(fs::is_symlink(d / "link"));
     EXPECT_TRUE(survived());
 
     // A search through the link as its root finds what it names; renames there rename the
     // link itself, never its target.
     CzbFileUtil util;
-    util.FindFile(Text(lib(dir.path() / "link") + "\\*.txt"), true);
+    util.FindFile(Text(lib(d / "link") + "\\*.txt"), true);
     EXPECT_EQ(util.getFindData()->size(), 2u);
-    util.RenameFile(Text(lib(dir.path() / "link*")), Text("link"), Text("renamed"), false);
-    EXPECT_TRUE(fs::is_symlink(dir.path() / "renamed"));
+    util.RenameFile(Text(lib(d / "link*")), Text("link"), Text("renamed"), false);
+    EXPECT_TRUE(fs::is_symlink(d / "renamed"));
     EXPECT_TRUE(fs::is_directory(outside));
     EXPECT_TRUE(survived());
 }
