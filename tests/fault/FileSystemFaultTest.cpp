@@ -51,6 +51,14 @@ std::string pattern(size_t size, char seed) {
     return bytes;
 }
 
+bool copyFile(const fs::path& from, const fs::path& to) {
+    return zbPathFileUtil::CopytoFile(Text(lib(from)), Text(lib(to)));
+}
+
+bool copyApi(const fs::path& from, const fs::path& to, BOOL failIfExists) {
+    return zbp::CopyFileA(lib(from).c_str(), lib(to).c_str(), failIfExists);
+}
+
 } // namespace
 
 TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
@@ -64,23 +72,20 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
     const std::vector<std::string> before = listing(dst);
 
     // Without a fault the copy replaces the file and leaves nothing beside it.
-    EXPECT_TRUE(zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text(lib(dst / "x.bin"))));
+    EXPECT_TRUE(copyFile(src / "data.bin", dst / "x.bin"));
     EXPECT_TRUE(holds(dst / "x.bin", fresh));
     fs::remove(dst / "x.bin");
 
 #if !defined(_WIN32)
     {
         zbtest::FileSizeLimit full(4096); // every file stops growing at 4096 bytes
-        EXPECT_FALSE(
-            zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text(lib(dst / "data.bin"))));
+        EXPECT_FALSE(copyFile(src / "data.bin", dst / "data.bin"));
         EXPECT_TRUE(holds(dst / "data.bin", old));
         EXPECT_EQ(listing(dst), before);
 
-        EXPECT_FALSE(
-            zbp::CopyFileA(lib(src / "data.bin").c_str(), lib(dst / "data.bin").c_str(), FALSE));
+        EXPECT_FALSE(copyApi(src / "data.bin", dst / "data.bin", FALSE));
         EXPECT_TRUE(holds(dst / "data.bin", old));
-        EXPECT_FALSE(
-            zbp::CopyFileA(lib(src / "data.bin").c_str(), lib(dst / "new.bin").c_str(), TRUE));
+        EXPECT_FALSE(copyApi(src / "data.bin", dst / "new.bin", TRUE));
         EXPECT_EQ(listing(dst), before);
 
         // A folder copy keeps its documented result; the old file stays whole.
@@ -113,11 +118,9 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
     // A file larger than the whole disk.
     const std::string huge = pattern(200000, 'h');
     zbtest::writeBytes(src / "huge.bin", huge);
-    EXPECT_FALSE(
-        zbPathFileUtil::CopytoFile(Text(lib(src / "huge.bin")), Text(lib(small / "data.bin"))));
+    EXPECT_FALSE(copyFile(src / "huge.bin", small / "data.bin"));
     EXPECT_TRUE(holds(small / "data.bin", kept));
-    EXPECT_FALSE(
-        zbp::CopyFileA(lib(src / "huge.bin").c_str(), lib(small / "data.bin").c_str(), FALSE));
+    EXPECT_FALSE(copyApi(src / "huge.bin", small / "data.bin", FALSE));
     EXPECT_TRUE(holds(small / "data.bin", kept));
     fs::copy_file(src / "huge.bin", src / "data.bin", fs::copy_options::overwrite_existing);
     EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(src)), Text(lib(small)), false), 1);
@@ -126,8 +129,7 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
     // A file that would fit alone but not beside the old one: the copy is refused rather than
     // made in place, where a failure would cost the old file.
     zbtest::writeBytes(dir.path() / "fresh.bin", fresh); // 100000 bytes
-    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(lib(dir.path() / "fresh.bin")),
-                                            Text(lib(small / "data.bin"))));
+    EXPECT_FALSE(copyFile(dir.path() / "fresh.bin", small / "data.bin"));
     EXPECT_TRUE(holds(small / "data.bin", kept));
     EXPECT_EQ(listing(small), std::vector<std::string>{"data.bin"});
 #endif
