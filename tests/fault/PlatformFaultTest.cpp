@@ -186,13 +186,10 @@ Result search(const std::string& path, bool folders, bool subDir) {
 // root: a.txt b.log .hidden.txt m.txt/inner.txt sub/c.txt sub/deep/d.txt .dot/e.txt, a link to
 // sub, a dangling link, a pipe and a socket.
 void buildTree(const fs::path& root) {
-    zbtest::writeBytes(root / "a.txt", "12345");
-    zbtest::writeBytes(root / "b.log", "b");
-    zbtest::writeBytes(root / ".hidden.txt", "h");
-    zbtest::writeBytes(root / "m.txt" / "inner.txt", "i");
-    zbtest::writeBytes(root / "sub" / "c.txt", "cc");
-    zbtest::writeBytes(root / "sub" / "deep" / "d.txt", "ddd");
-    zbtest::writeBytes(root / ".dot" / "e.txt", "e");
+    for (const char* name : {"a.txt", "b.log", ".hidden.txt", "m.txt/inner.txt", "sub/c.txt",
+                             "sub/deep/d.txt", ".dot/e.txt"}) {
+        zbtest::writeBytes(root / name, name);
+    }
     fs::create_directory_symlink(root / "sub", root / "link.txt");
     fs::create_symlink(root / "nowhere", root / "dangling.txt");
     ASSERT_EQ(mkfifo((root / "pipe.txt").c_str(), 0600), 0);

@@ -49,6 +49,24 @@ inline void expectListed(Names actual, Names expected) {
     EXPECT_EQ(actual, expected);
 }
 
+// Everything below a folder, sorted, links not followed: "a/b=bytes" for a file, "a/" for a
+// folder, "a@" for a link.
+inline Names contents(const fs::path& base) {
+    Names out;
+    for (auto it = fs::recursive_directory_iterator(base); it != fs::end(it); ++it) {
+        const std::string name = it->path().lexically_relative(base).generic_string();
+        if (it->is_symlink()) {
+            out.push_back(name + "@");
+        } else if (it->is_directory()) {
+            out.push_back(name + "/");
+        } else {
+            out.push_back(name + "=" + zbtest::readBytes(it->path()));
+        }
+    }
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
 class TempTree {
 public:
     TempTree() : m_root(fs::canonical(m_folder.path())), m_cwd(fs::current_path()) {}
@@ -74,23 +92,8 @@ public:
         return m_root / relative;
     }
     void enter(const std::string& relative = "") const { fs::current_path(m_root / relative); }
-    // Everything below a folder of the tree, sorted, links not followed: "a/b=bytes" for a
-    // file, "a/" for a folder, "a@" for a link.
     Names contents(const std::string& relative = "") const {
-        Names out;
-        const fs::path base = relative.empty() ? m_root : m_root / relative;
-        for (auto it = fs::recursive_directory_iterator(base); it != fs::end(it); ++it) {
-            const std::string name = it->path().lexically_relative(base).generic_string();
-            if (it->is_symlink()) {
-                out.push_back(name + "@");
-            } else if (it->is_directory()) {
-                out.push_back(name + "/");
-            } else {
-                out.push_back(name + "=" + zbtest::readBytes(it->path()));
-            }
-        }
-        std::sort(out.begin(), out.end());
-        return out;
+        return fstest::contents(relative.empty() ? m_root : m_root / relative);
     }
 
 private:
