@@ -10,7 +10,7 @@
 #include <zbBase/filesystem/CzbFileUtil.h>
 #include <zbBase/platform/detail/zbpFileOps.h>
 
-#include "support/zbTestFiles.h"
+#include "filesystem/TempTree.h"
 
 #include <gtest/gtest.h>
 
@@ -146,11 +146,7 @@ extern "C" int link(const char* from, const char* to) noexcept {
 
 namespace {
 
-std::string lib(const fs::path& path) {
-    std::string text = path.string();
-    std::replace(text.begin(), text.end(), '/', '\\');
-    return text;
-}
+using fstest::lib;
 
 // What a search gives: the entries with their records, and the two numbers.
 struct Result {
@@ -190,13 +186,10 @@ Result search(const std::string& path, bool folders, bool subDir) {
 // root: a.txt b.log .hidden.txt m.txt/inner.txt sub/c.txt sub/deep/d.txt .dot/e.txt, a link to
 // sub, a dangling link, a pipe and a socket.
 void buildTree(const fs::path& root) {
-    zbtest::writeBytes(root / "a.txt", "12345");
-    zbtest::writeBytes(root / "b.log", "b");
-    zbtest::writeBytes(root / ".hidden.txt", "h");
-    zbtest::writeBytes(root / "m.txt" / "inner.txt", "i");
-    zbtest::writeBytes(root / "sub" / "c.txt", "cc");
-    zbtest::writeBytes(root / "sub" / "deep" / "d.txt", "ddd");
-    zbtest::writeBytes(root / ".dot" / "e.txt", "e");
+    for (const char* name : {"a.txt", "b.log", ".hidden.txt", "m.txt/inner.txt", "sub/c.txt",
+                             "sub/deep/d.txt", ".dot/e.txt"}) {
+        zbtest::writeBytes(root / name, name);
+    }
     fs::create_directory_symlink(root / "sub", root / "link.txt");
     fs::create_symlink(root / "nowhere", root / "dangling.txt");
     ASSERT_EQ(mkfifo((root / "pipe.txt").c_str(), 0600), 0);
@@ -213,13 +206,12 @@ void buildTree(const fs::path& root) {
 
 } // namespace
 
-TEST(PlatformFault, AWalkWithoutTheEntriesTypesFindsTheSame) {
+TEST(PlatformFault, WalksOnFileSystemsThatAnswerOtherwiseFindTheSame) {
     zbtest::TempFolder dir;
     const fs::path root = fs::canonical(dir.path());
     buildTree(root);
     const std::string files = lib(root / "*.txt");
     const std::string all = lib(root / "*");
-
     const Result txt = search(files, false, true);
     const Result everything = search(all, false, true);
     const Result folders = search(all, true, true);
@@ -232,7 +224,29 @@ TEST(PlatformFault, AWalkWithoutTheEntriesTypesFindsTheSame) {
     EXPECT_NE(txt.entries[5].find("socket.txt attrib 32 size 0 "), std::string::npos) << txt;
     EXPECT_EQ(txt.folders, 4);
     ASSERT_EQ(folders.entries.size(), 3u) << folders;
+    ASSERT_EQ(folders.folders, 4);
 
+    // An interrupted read of a folder is repeated.
+    g_interrupts = 3;
+    EXPECT_EQ(search(files, false, true), txt);
+    EXPECT_EQ(g_interrupts.exchange(0), 0);
+    // A folder whose read fails ends its listing there and nothing else: here the first
+    // folder read, the start, gives nothing, and the walk ends without a hang.
+    g_readErrors = 1;
+    const Result failed = search(files, false, true);
+    g_readErrors = 0;
+    EXPECT_EQ(failed, (Result{{}, 0, ENOENT}));
+    {
+        // Each folder the walk reads lists three entries that are gone: a file, one of unknown
+        // type and a folder. None is stored; the folder counts as entered (it was listed), as
+        // a folder that cannot be read does.
+        Fault ghosts(g_ghosts);
+        EXPECT_EQ(search(files, false, true), (Result{txt.entries, txt.folders + 4, ENOENT}));
+        EXPECT_EQ(search(all, true, true).entries, folders.entries);
+        Fault unknown(g_unknownTypes);
+        EXPECT_EQ(search(files, false, true).entries, txt.entries);
+    }
+    // Folders read without the entries' types.
     Fault unknown(g_unknownTypes);
     EXPECT_EQ(search(files, false, true), txt);
     EXPECT_EQ(search(all, false, true), everything);
@@ -241,82 +255,30 @@ TEST(PlatformFault, AWalkWithoutTheEntriesTypesFindsTheSame) {
     EXPECT_TRUE(search(lib(root / "link.txt"), true, false).entries.empty());
 }
 
-TEST(PlatformFault, EntriesThatVanishBeforeTheLookAreLeftOut) {
-    zbtest::TempFolder dir;
-    const fs::path root = fs::canonical(dir.path());
-    buildTree(root);
-    const std::string files = lib(root / "*.txt");
-    const Result txt = search(files, false, true);
-    const Result folders = search(lib(root / "*"), true, true);
-    ASSERT_EQ(txt.folders, 4);
-    ASSERT_EQ(folders.folders, 4);
-
-    // Each folder the walk reads lists three entries that are gone: a file, one of unknown
-    // type and a folder. None is stored; the folder counts as entered (it was listed), as a
-    // folder that cannot be read does.
-    Fault ghosts(g_ghosts);
-    const Result withGhosts = search(files, false, true);
-    EXPECT_EQ(withGhosts.entries, txt.entries);
-    EXPECT_EQ(withGhosts.folders, txt.folders + 4);
-    EXPECT_EQ(withGhosts.error, ENOENT);
-    const Result foldersWithGhosts = search(lib(root / "*"), true, true);
-    EXPECT_EQ(foldersWithGhosts.entries, folders.entries);
-    Fault unknown(g_unknownTypes);
-    EXPECT_EQ(search(files, false, true).entries, txt.entries);
-}
-
-TEST(PlatformFault, AnInterruptedReadOfAFolderIsRepeatedAFailedOneEndsIt) {
-    zbtest::TempFolder dir;
-    const fs::path root = fs::canonical(dir.path());
-    buildTree(root);
-    const std::string files = lib(root / "*.txt");
-    const Result txt = search(files, false, true);
-    g_interrupts = 3;
-    const Result interrupted = search(files, false, true);
-    EXPECT_EQ(g_interrupts.load(), 0);
-    g_interrupts = 0;
-    EXPECT_EQ(interrupted, txt);
-
-    // A folder whose read fails ends its listing there and nothing else: here the first
-    // folder read, the start, gives nothing, and the walk ends without a hang.
-    g_readErrors = 1;
-    const Result failed = search(files, false, true);
-    g_readErrors = 0;
-    EXPECT_TRUE(failed.entries.empty());
-    EXPECT_EQ(failed.folders, 0);
-    EXPECT_EQ(failed.error, ENOENT);
-}
-
-TEST(PlatformFault, RenamesNeverReplaceWithoutAnAtomicNoReplaceRename) {
-    for (bool hardLinks : {true, false}) {
-        SCOPED_TRACE(hardLinks ? "with hard links" : "without hard links");
+TEST(PlatformFault, RenamesNeverReplaceWithOrWithoutAnAtomicNoReplaceRename) {
+    for (int mode = 0; mode < 3; ++mode) {
+        SCOPED_TRACE(mode == 0 ? "no-replace rename" : mode == 1 ? "hard links" : "neither");
         zbtest::TempFolder dir;
         const fs::path root = dir.path();
         zbtest::writeBytes(root / "a.txt", "a");
         zbtest::writeBytes(root / "b.txt", "b");
         fs::create_directories(root / "d1" / "inner");
         fs::create_directories(root / "d2");
-        Fault noFlags(g_noRenameFlags);
-        g_noHardLinks = !hardLinks;
-
-        EXPECT_EQ(zbp::rename(lib(root / "a.txt").c_str(), lib(root / "c.txt").c_str()), 0);
-        EXPECT_FALSE(fs::exists(root / "a.txt"));
-        EXPECT_EQ(zbtest::readBytes(root / "c.txt"), "a");
-        errno = 0;
-        EXPECT_EQ(zbp::rename(lib(root / "c.txt").c_str(), lib(root / "b.txt").c_str()), -1);
+        g_noRenameFlags = mode > 0;
+        g_noHardLinks = mode == 2;
+        auto rename = [&](const std::string& from, const std::string& to) {
+            errno = 0;
+            return zbp::rename(lib(root / from).c_str(), lib(root / to).c_str());
+        };
+        EXPECT_EQ(rename("a.txt", "c.txt"), 0);
+        EXPECT_EQ(rename("c.txt", "b.txt"), -1);
         EXPECT_EQ(errno, EEXIST);
-        EXPECT_EQ(zbtest::readBytes(root / "b.txt"), "b");
-        EXPECT_EQ(zbtest::readBytes(root / "c.txt"), "a");
         // An empty folder as the target is not replaced either, as the system's rename would.
-        EXPECT_EQ(zbp::rename(lib(root / "d1").c_str(), lib(root / "d2").c_str()), -1);
+        EXPECT_EQ(rename("d1", "d2"), -1);
         EXPECT_EQ(errno, EEXIST);
-        EXPECT_TRUE(fs::exists(root / "d1" / "inner"));
-        EXPECT_EQ(zbp::rename((lib(root / "d1") + "\\").c_str(), lib(root / "d3").c_str()), 0);
-        EXPECT_TRUE(fs::exists(root / "d3" / "inner"));
-        EXPECT_EQ(zbp::rename(lib(root / "none").c_str(), lib(root / "x").c_str()), -1);
-        EXPECT_EQ(zbp::rename(lib(root / "b.txt").c_str(), lib(root / "no" / "b.txt").c_str()), -1);
-        EXPECT_EQ(zbtest::readBytes(root / "b.txt"), "b");
-
+        EXPECT_EQ(rename("d1\\", "d3"), 0);
+        EXPECT_EQ(rename("none", "x"), -1);
+        EXPECT_EQ(rename("b.txt", "no/b.txt"), -1);
         // The batch rename keeps its documented outcome: one file takes the name, the other
         // is refused and not recorded.
         CzbFileUtil util;
@@ -325,6 +287,9 @@ TEST(PlatformFault, RenamesNeverReplaceWithoutAnAtomicNoReplaceRename) {
         EXPECT_EQ(util.getProcessData()->size(), 1u);
         EXPECT_EQ(zbtest::readBytes(root / "same.txt"), "b");
         EXPECT_EQ(zbtest::readBytes(root / "c.txt"), "a");
+        EXPECT_TRUE(fs::is_directory(root / "d2") && fs::exists(root / "d3" / "inner"));
+        EXPECT_EQ(std::distance(fs::directory_iterator(root), fs::directory_iterator()), 4);
+        g_noRenameFlags = false;
         g_noHardLinks = false;
     }
 }

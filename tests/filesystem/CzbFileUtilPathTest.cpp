@@ -61,13 +61,9 @@ TEST(CzbFileUtilPath, ResultsAtAGlance) {
         EXPECT_STREQ(ext, row.ext);
         EXPECT_STREQ(name, row.name);
         EXPECT_STREQ(last, row.last);
-        // Results point into the argument, an empty one at its terminator.
+        // Results point into the argument ("a" gives the whole text), an empty one at its end.
         for (char* result : {ext, name, last}) {
-            EXPECT_GE(result, begin);
-            EXPECT_LE(result, end);
-            if (*result == '\0') {
-                EXPECT_EQ(result, end);
-            }
+            EXPECT_TRUE(result >= begin && result <= end && (*result != '\0' || result == end));
         }
         char folder[64];
         std::memset(folder, 'z', sizeof folder);
@@ -75,37 +71,34 @@ TEST(CzbFileUtilPath, ResultsAtAGlance) {
         EXPECT_STREQ(folder, row.folder);
         EXPECT_EQ(folder[sizeof folder - 1], '\0'); // the whole buffer was cleared
     }
-    // The whole text, not a copy of it.
-    char whole[] = "a";
-    EXPECT_EQ(CzbFileUtil::getFileExt(whole), whole);
 }
 
 TEST(CzbFileUtilPath, LastPathIntoABuffer) {
+    // The component's index and the buffer's text (null: open); -1 where no separator stands
+    // left of it, and for a component larger than the buffer, which is not cut.
+    const struct {
+        const char* path;
+        int index;
+        const char* copied;
+    } rows[] = {{"D:\\a\\b\\", 5, "b"},
+                {"x/y/name", 4, "name"},
+                {"D:\\a_component_longer_than_16", -1, ""},
+                {"single", -1, nullptr},
+                {"", -1, nullptr},
+                {"\\\\", -1, nullptr},
+                {"D:\\", -1, nullptr}};
     char buffer[16];
-    char closing[] = "D:\\a\\b\\";
-    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, closing), 5);
-    EXPECT_STREQ(buffer, "b");
-    EXPECT_STREQ(CzbFileUtil::getLastPath(closing), "b\\");
-
-    char plain[] = "x/y/name";
-    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, plain), 4);
-    EXPECT_STREQ(buffer, "name");
-
-    char drive[] = "D:\\";
-    EXPECT_STREQ(CzbFileUtil::getLastPath(drive), "");
-    for (const char* text : {"single", "", "\\\\", "D:\\"}) {
-        SCOPED_TRACE(text);
-        std::vector<char> path(text, text + std::strlen(text) + 1);
+    for (const auto& row : rows) {
+        std::vector<char> path(row.path, row.path + std::strlen(row.path) + 1);
         std::memset(buffer, 'z', sizeof buffer);
-        EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, path.data()), -1);
-        EXPECT_EQ(buffer[sizeof buffer - 1], '\0');
+        EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, path.data()), row.index)
+            << row.path;
+        EXPECT_EQ(buffer[sizeof buffer - 1], '\0') << row.path;
+        EXPECT_STREQ(row.copied ? buffer : nullptr, row.copied) << row.path;
     }
-    // A component larger than the buffer is not cut: nothing is copied.
-    char longName[] = "D:\\a_component_longer_than_sixteen";
-    std::memset(buffer, 'z', sizeof buffer);
-    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, longName), -1);
-    EXPECT_STREQ(buffer, "");
-    std::memset(buffer, 'z', sizeof buffer);
+    char closing[] = "D:\\a\\b\\", drive[] = "D:\\", longName[] = "D:\\a_component_longer_than_16";
+    EXPECT_STREQ(CzbFileUtil::getLastPath(closing), "b\\");
+    EXPECT_STREQ(CzbFileUtil::getLastPath(drive), "");
     CzbFileUtil::getPath(buffer, sizeof buffer, longName);
     EXPECT_STREQ(buffer, "");
 }
@@ -163,23 +156,24 @@ TEST(CzbFileUtilPath, NullAndTooSmallArguments) {
     EXPECT_EQ(CzbFileUtil::getLastPath(nullptr), nullptr);
     EXPECT_EQ(CzbFileUtil::isNetworkPath(nullptr), -1);
     CzbFileUtil::changeAbsolutePath(nullptr);
-
+    // getLastPath gives -1; the buffer after it and getPath: cleared for a null path, left alone
+    // for no buffer or a size below 1.
     char path[] = "D:\\dir\\name.txt";
     char buffer[16];
-    std::memset(buffer, 'z', sizeof buffer);
-    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, sizeof buffer, nullptr), -1);
-    EXPECT_EQ(buffer[0], '\0');
-    EXPECT_EQ(CzbFileUtil::getLastPath(nullptr, 16, path), -1);
-    std::memset(buffer, 'z', sizeof buffer);
-    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, 0, path), -1);
-    EXPECT_EQ(CzbFileUtil::getLastPath(buffer, -5, path), -1);
-    EXPECT_EQ(buffer[0], 'z'); // a size below 1 gives no room to write into
-    CzbFileUtil::getPath(nullptr, 16, path);
-    CzbFileUtil::getPath(buffer, 0, path);
-    CzbFileUtil::getPath(buffer, -1, path);
-    EXPECT_EQ(buffer[0], 'z');
-    CzbFileUtil::getPath(buffer, sizeof buffer, nullptr);
-    EXPECT_EQ(buffer[0], '\0');
-    EXPECT_EQ(buffer[sizeof buffer - 1], '\0');
+    const struct {
+        char* buffer;
+        int size;
+        char* path;
+        char fill;
+    } rows[] = {{buffer, 16, nullptr, '\0'},
+                {nullptr, 16, path, 'z'},
+                {buffer, 0, path, 'z'},
+                {buffer, -5, path, 'z'}};
+    for (const auto& row : rows) {
+        std::memset(buffer, 'z', sizeof buffer);
+        EXPECT_EQ(CzbFileUtil::getLastPath(row.buffer, row.size, row.path), -1);
+        CzbFileUtil::getPath(row.buffer, row.size, row.path);
+        EXPECT_EQ(std::string(buffer, sizeof buffer), std::string(sizeof buffer, row.fill));
+    }
     EXPECT_STREQ(path, "D:\\dir\\name.txt"); // never changed
 }

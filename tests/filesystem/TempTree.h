@@ -1,5 +1,5 @@
 // A fresh folder under the system's temporary folder for one test, removed at the end, with
-// helpers to build trees and to speak the library's path text.
+// helpers to build trees, to describe them whole and to speak the library's path text.
 #pragma once
 
 #include "support/zbTestFiles.h"
@@ -10,8 +10,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -19,6 +17,8 @@
 namespace fstest {
 
 namespace fs = std::filesystem;
+using zbtest::Text;
+using Names = std::vector<std::string>;
 
 // The library's form of a path: backslashes on every platform.
 inline std::string lib(const fs::path& path) {
@@ -27,17 +27,12 @@ inline std::string lib(const fs::path& path) {
     return text;
 }
 
-using zbtest::Text;
-
 inline std::string readFile(const fs::path& path) {
     return zbtest::readBytes(path);
 }
-inline void writeFile(const fs::path& path, const std::string& content) {
-    zbtest::writeBytes(path, content);
-}
 
-inline std::vector<std::string> names(const std::vector<__finddata64_t>& list) {
-    std::vector<std::string> out;
+inline Names names(const std::vector<__finddata64_t>& list) {
+    Names out;
     for (const __finddata64_t& entry : list) {
         out.push_back(entry.name);
     }
@@ -46,12 +41,30 @@ inline std::vector<std::string> names(const std::vector<__finddata64_t>& list) {
 
 // The listing order of the POSIX layer is fixed (names in upper case); Windows file systems
 // have their own, so there only the set is compared.
-inline void expectListed(std::vector<std::string> actual, std::vector<std::string> expected) {
+inline void expectListed(Names actual, Names expected) {
 #if defined(_WIN32)
     std::sort(actual.begin(), actual.end());
     std::sort(expected.begin(), expected.end());
 #endif
     EXPECT_EQ(actual, expected);
+}
+
+// Everything below a folder, sorted, links not followed: "a/b=bytes" for a file, "a/" for a
+// folder, "a@" for a link.
+inline Names contents(const fs::path& base) {
+    Names out;
+    for (auto it = fs::recursive_directory_iterator(base); it != fs::end(it); ++it) {
+        const std::string name = it->path().lexically_relative(base).generic_string();
+        if (it->is_symlink()) {
+            out.push_back(name + "@");
+        } else if (it->is_directory()) {
+            out.push_back(name + "/");
+        } else {
+            out.push_back(name + "=" + zbtest::readBytes(it->path()));
+        }
+    }
+    std::sort(out.begin(), out.end());
+    return out;
 }
 
 class TempTree {
@@ -71,7 +84,7 @@ public:
         return relative.empty() ? lib(m_root) : lib(m_root / relative);
     }
     fs::path file(const std::string& relative, const std::string& content = "data") const {
-        writeFile(m_root / relative, content);
+        zbtest::writeBytes(m_root / relative, content);
         return m_root / relative;
     }
     fs::path dir(const std::string& relative) const {
@@ -79,6 +92,9 @@ public:
         return m_root / relative;
     }
     void enter(const std::string& relative = "") const { fs::current_path(m_root / relative); }
+    Names contents(const std::string& relative = "") const {
+        return fstest::contents(relative.empty() ? m_root : m_root / relative);
+    }
 
 private:
     zbtest::TempFolder m_folder; // removed last, after the current folder has left it
