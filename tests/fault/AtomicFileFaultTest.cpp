@@ -35,7 +35,6 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
     }
     EXPECT_EQ(zbtest::readBytes(target), old);
     EXPECT_EQ(fstest::contents(dir.path()), fstest::Names{"data.bin=" + old});
-
     // A device is written where it stands: /dev/full refuses every byte.
     zbp::AtomicFile device;
     ASSERT_TRUE(device.open("/dev/full", "wb"));
@@ -45,7 +44,6 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
     EXPECT_FALSE(device.good());
     EXPECT_FALSE(device.commit());
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
-
     // Permissions carry over; a read-only file or folder stops an unprivileged writer.
     fs::permissions(target, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     zbp::AtomicFile asRoot;
@@ -63,7 +61,6 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
     EXPECT_EQ(zbtest::readBytes(target), old);
     EXPECT_EQ(fs::status(target).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-
     zbtest::SmallTmpfs disk(64 * 1024);
     if (!disk.ok()) {
         GTEST_SKIP() << disk.why();

@@ -68,7 +68,6 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
         EXPECT_TRUE(contents(dst) == before);
         EXPECT_TRUE(zbtest::readBytes(src / "data.bin") == fresh);
     }
-
     // A device is written where it stands, and a write it refuses is reported.
     EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text("/dev/full")));
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
@@ -77,7 +76,6 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
                  copyApi("/proc/self/mem", dst / "data.bin", FALSE) ||
                  copyApi("/proc/self/mem", dst / "new.bin", TRUE));
     EXPECT_TRUE(contents(dst) == before);
-
     zbtest::SmallTmpfs disk(128 * 1024);
     if (!disk.ok()) {
         GTEST_SKIP() << disk.why();
@@ -201,7 +199,6 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     fs::create_symlink(outside / "precious.txt", d / "filelink");
     EXPECT_TRUE(remove("filelink"));
     EXPECT_TRUE(survived());
-
     // Copying from a link copies what it names; moving it moves the link: the copy is made and
     // the link goes once everything arrived, while the files behind it stay.
     fs::create_directory_symlink(outside, d / "link");
@@ -220,7 +217,6 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     move("link", "moved2");
     EXPECT_TRUE(fs::is_symlink(d / "link"));
     EXPECT_TRUE(survived());
-
     // A search through the link as its root finds what it names; renames there rename the
     // link itself, never its target.
     CzbFileUtil util;

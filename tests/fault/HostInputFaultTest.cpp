@@ -16,7 +16,6 @@ TEST(HostInputFault, NullPathsFailAsFilesThatCannotBeOpened) {
     records.SetDataSize(4, 4);
     EXPECT_FALSE(records.OpenFile(nullptr));
     records.MakeFile(nullptr);
-
     zbBase::CzbFileMgrAdv blocks;
     char block[8] = "1234567";
     blocks.addDataSize(block, sizeof block);
@@ -24,14 +23,11 @@ TEST(HostInputFault, NullPathsFailAsFilesThatCannotBeOpened) {
     EXPECT_EQ(blocks.readFile(nullptr, false), 0);
     EXPECT_FALSE(blocks.editFile(nullptr, 0, block, sizeof block));
     EXPECT_EQ(blocks.getFileHeaderInfo(nullptr).blockCount, 0u);
-
     zbBase::CzbFileMgr sections;
     EXPECT_FALSE(sections.OpenFile(nullptr));
-
     CzbFileDB items;
     EXPECT_FALSE(items.savefile(nullptr));
     EXPECT_FALSE(items.openfile(nullptr));
-
     CzbTrace trace;
     EXPECT_FALSE(trace.setTraceFileName(nullptr, true));
     trace.setMode(CzbTrace::ModeQueue);
@@ -46,16 +42,13 @@ TEST(HostInputFault, NullFormatsGiveTheEmptyText) {
     logger.setLog(nullptr);
     ASSERT_EQ(logger.GetLogDataNum(), 1);
     EXPECT_STREQ(logger.GetLogData(0)->text, "");
-
     CzbTrace trace;
     trace.setMode(CzbTrace::ModeQueue);
     trace.setTrace(nullptr);
     ASSERT_EQ(trace.getTraceNum(), 1);
     EXPECT_STREQ(trace.getTraceFront(), "");
-
     CzbText text;
     EXPECT_STREQ(text.getFormat(nullptr), "");
-
     zbBase::CzbStringT value("before");
     value.Format(nullptr);
     EXPECT_EQ(value.GetLength(), 0);

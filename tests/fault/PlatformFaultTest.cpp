@@ -198,7 +198,6 @@ TEST(PlatformFault, WalksOnFileSystemsThatAnswerOtherwiseFindTheSame) {
     }
     EXPECT_EQ(txt.back(), "4 folders, error " + std::to_string(ENOENT));
     ASSERT_EQ(folders.size(), 4u);
-
     g_interrupts = 3; // an interrupted read of a folder is repeated
     EXPECT_EQ(search(files, false, true), txt);
     EXPECT_EQ(g_interrupts.exchange(0), 0);

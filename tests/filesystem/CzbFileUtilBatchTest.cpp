@@ -142,7 +142,6 @@ TEST(CzbFileUtilBatch, DeleteFolderAndMakeDirectory) {
     CzbFileUtil::DeleteFolder(Text(tree.text("missing")), false);
     EXPECT_EQ(tree.contents(),
               (Names{"dotted/", "dotted/x/", "dotted/x/.keep/", "dotted/x/.keep/k.txt=k"}));
-
     CzbFileUtil::MakeDirectory(Text(tree.text("m\\n\\o")));
     CzbFileUtil::MakeDirectory(Text(tree.text("m\\n\\o") + "\\"));
     // Only the backslash divides: with slashes only the whole path is tried.
@@ -166,7 +165,6 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     // s/b.txt has 258 characters there.
     EXPECT_EQ(tree.contents(target), (Names{"a.txt=a", "s/", "s/b.txt=b"}));
     EXPECT_EQ(tree.contents("src"), (Names{"long_name.txt=stays"}));
-
     // A target over 259 characters, and missing arguments: 0, nothing made, nothing moved.
     const std::string over = tree.text(target + "\\" + std::string(9, 'x'));
     EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(over), false), 0);
@@ -195,7 +193,6 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(deepSource)), Text(tree.text("m")), false), 0);
     EXPECT_EQ(tree.contents("m"), (Names{"a.txt=a"}));
     EXPECT_EQ(tree.contents(deepSource), (Names{"long_name.txt=stays"}));
-
     // DeleteFolder skips an entry whose path would pass 511 characters, and refuses whole a
     // folder whose listing text would.
     const std::string deep =
@@ -206,7 +203,6 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     tree.file(deep + "/" + std::string(7, 'd') + "/y", "kept"); // the folder's listing is 512
     CzbFileUtil::DeleteFolder(Text(tree.text(deep)), false);
     EXPECT_EQ(tree.contents(deep), (Names{"ddddddd/", "ddddddd/y=kept", "name_too_long=kept"}));
-
     // MakeDirectory takes a backslash right behind a colon for a drive's root: here "k:" is an
     // ordinary name, it is not made, and so nothing below it can be.
     CzbFileUtil::MakeDirectory(Text(tree.text("k:\\l")));

@@ -66,7 +66,6 @@ TEST(zbPathFileUtil, CopytoFolderAndRemoveFile) {
     EXPECT_FALSE(ops.copyTo("src\\*.zzz", "dst"));
     EXPECT_TRUE(ops.copyTo("src\\*.log", "none"));
     EXPECT_FALSE(fs::exists(tree.path("none")));
-
     EXPECT_TRUE(zbPathFileUtil::RemoveFile(Text(tree.root().generic_string() + "/src/?.txt")));
     EXPECT_FALSE(ops.remove("src\\?.txt"));
     // A pattern that matches only a folder finds something and leaves it alone.
@@ -107,7 +106,6 @@ TEST(zbPathFileUtil, NullArgumentsAndBuiltPathsOverTheLimit) {
     zbPathFileUtil::CreateFolder(nullptr);
     EXPECT_FALSE(ops.remove("src\\" + std::string(256, '?'))); // a pattern of 256 characters
     EXPECT_TRUE(fs::exists(tree.path("src/a.txt")));
-
     // A target path over 259 characters cannot be built: that entry is skipped, the others
     // are copied.
     const size_t root = tree.text().size();

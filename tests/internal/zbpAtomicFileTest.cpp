@@ -40,7 +40,6 @@ TEST(zbpAtomicFile, CommitReplacesDiscardAndFailureKeep) {
     EXPECT_FALSE(file.commit()); // closed by the first
     EXPECT_EQ(file.descriptor(), -1);
     EXPECT_EQ(zbtest::readBytes(target), "new" + zbtest::kEol);
-
     ASSERT_TRUE(file.open(target.c_str(), "wb"));
     write(file, "abandoned");
     file.discard();
@@ -90,7 +89,6 @@ TEST(zbpAtomicFile, LinksLeadToTheFileTheyName) {
     EXPECT_EQ(fstest::contents(root),
               (fstest::Names{"first@", "sub/", "sub/ahead@", "sub/data.txt=new", "sub/hop@",
                              "sub/made.txt=made"}));
-
     // Links that lead round in a circle name no file: refused, and nothing is made.
     fs::create_symlink("ring2", root / "ring1");
     fs::create_symlink("ring1", root / "ring2");
@@ -101,7 +99,6 @@ TEST(zbpAtomicFile, LinksLeadToTheFileTheyName) {
     EXPECT_EQ(errno, ELOOP);
     EXPECT_FALSE(file.open((root / "self").c_str(), "wb"));
     EXPECT_EQ(fstest::contents(root).size(), 9u); // ring1, ring2 and self added
-
     // A link named without any folder, in the current folder.
     const fs::path saved = fs::current_path();
     fs::current_path(root / "sub");

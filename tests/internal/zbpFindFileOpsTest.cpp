@@ -68,7 +68,6 @@ TEST(zbpFind, BadHandlesTheRootFolderAndFolderLinks) {
     EXPECT_EQ(zbp::_findclose(-1) + zbp::_findclose(0), -2);
     EXPECT_EQ(errno, EINVAL);
     EXPECT_FALSE(zbp::FindClose(INVALID_HANDLE_VALUE));
-
     // The root lists no "." and "..", as a drive's root on Windows; either separator names it.
     EXPECT_EQ(listing("\\tmp"), std::vector<std::string>{"tmp"});
     EXPECT_EQ(listing("/tmp"), std::vector<std::string>{"tmp"});
@@ -82,7 +81,6 @@ TEST(zbpFind, BadHandlesTheRootFolderAndFolderLinks) {
     tree.file("only.txt", "x");
     tree.enter();
     EXPECT_EQ(listing("*"), (std::vector<std::string>{".", "..", "only.txt"}));
-
     // Links to folders (dangling ones too) are what DeleteFolder takes away instead of entering.
     tree.dir("dir");
     fs::create_directory_symlink(tree.path("dir"), tree.path("to_dir"));
@@ -123,7 +121,6 @@ TEST(zbpFileOps, RemoveFoldersAndTheCopyRules) {
     EXPECT_FALSE(copy("none", "x.bin", FALSE));
     EXPECT_FALSE(zbp::CopyFileA(nullptr, tree.text("x.bin").c_str(), FALSE));
     EXPECT_FALSE(zbp::CopyFileA(tree.text("b.txt").c_str(), nullptr, FALSE));
-
     EXPECT_EQ(zbp::_mkdir(tree.text("m").c_str()), 0);
     EXPECT_EQ(zbp::_mkdir(tree.text("m").c_str()), -1);
     EXPECT_TRUE(zbp::CreateDirectoryA(tree.text("n").c_str(), nullptr));
