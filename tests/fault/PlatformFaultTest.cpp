@@ -1,8 +1,6 @@
-// File systems that answer otherwise than the one the tests run on: folders read without the
-// entries' types (as some file systems give them), entries that vanish between the listing and
-// the look, a read of a folder interrupted by a signal, and renames on file systems without an
-// atomic no-replace rename or without hard links. The system calls are taken over on demand by
-// definitions in this program, which otherwise pass every call to the C library.
+// File systems that answer otherwise (no entry types, vanishing entries, interrupted or failing
+// folder reads, no no-replace rename, no hard links), through system calls this program takes
+// over on demand and otherwise passes to the C library.
 #include <stdio.h> // tells __GLIBC__
 
 #if defined(__linux__) && defined(__GLIBC__)
@@ -157,8 +155,7 @@ Result entries(Result result) {
     return result;
 }
 
-// root: a.txt b.log .hidden.txt m.txt/inner.txt sub/c.txt sub/deep/d.txt .dot/e.txt, a link to
-// sub, a dangling link, a pipe and a socket.
+// The tree of the search tests, with a link to sub, a dangling link, a pipe and a socket.
 void buildTree(const fs::path& root) {
     for (const char* name : {"a.txt", "b.log", ".hidden.txt", "m.txt/inner.txt", "sub/c.txt",
                              "sub/deep/d.txt", ".dot/e.txt"}) {
@@ -201,13 +198,12 @@ TEST(PlatformFault, WalksOnFileSystemsThatAnswerOtherwiseFindTheSame) {
     g_interrupts = 3; // an interrupted read of a folder is repeated
     EXPECT_EQ(search(files, false, true), txt);
     EXPECT_EQ(g_interrupts.exchange(0), 0);
-    // A folder whose read fails ends its listing there and nothing else: here the start, so
-    // nothing is found, and the walk ends without a hang.
+    // A failing read ends that folder's listing only (here the start's), without a hang.
     g_readErrors = 1;
     EXPECT_EQ(search(files, false, true), Result{"0 folders, error " + std::to_string(ENOENT)});
     g_readErrors = 0;
-    // Each folder read lists a file, an entry of unknown type and a folder that are gone: none
-    // is stored; the folder counts as entered (it was listed), as an unreadable folder does.
+    // Each read lists a file, an unknown entry and a folder that are gone: none is stored, the
+    // folder counts as entered.
     g_ghosts = true;
     Result more = txt;
     more.back() = "8 folders, error " + std::to_string(ENOENT);
@@ -249,8 +245,7 @@ TEST(PlatformFault, RenamesNeverReplaceWithOrWithoutAnAtomicNoReplaceRename) {
         EXPECT_EQ(rename("d1\\", "d3"), 0);
         EXPECT_EQ(rename("none", "x"), -1);
         EXPECT_EQ(rename("b.txt", "no/b.txt"), -1);
-        // The batch rename keeps its documented outcome: one file takes the name, the other
-        // is refused and not recorded.
+        // The batch rename: one file takes the name, the other is refused and not recorded.
         CzbFileUtil util;
         util.RenameFile(Text(lib(root / "*.txt")), Text("same.txt"), false);
         EXPECT_EQ(util.getFindData()->size(), 2u);

@@ -155,8 +155,7 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     TempTree tree;
     const size_t root = tree.text().size();
     ASSERT_LT(root, 90u);
-    // A target deeper than the source: a name whose path there would pass 259 characters is not
-    // copied, and the move leaves it in the source.
+    // A deeper target: a name whose path there passes 259 is not copied and stays in the source.
     const std::string target(249 - root, 't'); // its path has 250 characters
     tree.file("src/a.txt", "a");
     tree.file("src/s/b.txt", "b");
@@ -167,19 +166,19 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     EXPECT_EQ(tree.contents("src"), (Names{"long_name.txt=stays"}));
     // A target over 259 characters, and missing arguments: 0, nothing made, nothing moved.
     const std::string over = tree.text(target + "\\" + std::string(9, 'x'));
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(over), false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(nullptr, Text(tree.text("n1")), false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), nullptr, false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(""), false), 0);
-    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(""), false), 0);
-    EXPECT_EQ(CzbFileUtil::MoveFolder(nullptr, Text(tree.text("n2")), false), 0);
-    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(""), Text(tree.text("n3")), false), 0);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(over), false) +
+                  CzbFileUtil::CopyFolder(nullptr, Text(tree.text("n1")), false) +
+                  CzbFileUtil::CopyFolder(Text(tree.text("src")), nullptr, false) +
+                  CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(""), false) +
+                  CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(""), false) +
+                  CzbFileUtil::MoveFolder(nullptr, Text(tree.text("n2")), false) +
+                  CzbFileUtil::MoveFolder(Text(""), Text(tree.text("n3")), false),
+              0);
     CzbFileUtil::DeleteFolder(nullptr, false);
     CzbFileUtil::MakeDirectory(nullptr);
     EXPECT_EQ(tree.contents().size(), 6u); // src, its file, the target and its three entries
 #if !defined(_WIN32)
-    // A source whose listing would pass 259 characters is not copied, so nothing of it is
-    // deleted by a move.
+    // A source whose listing would pass 259 is not copied, so the move deletes nothing.
     const std::string longSource = std::string(200, 'q') + "/" + std::string(255 - root - 201, 'r');
     tree.file(longSource + "/f.txt", "f");
     ASSERT_EQ(tree.text(longSource).size(), 256u);
@@ -193,8 +192,7 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(deepSource)), Text(tree.text("m")), false), 0);
     EXPECT_EQ(tree.contents("m"), (Names{"a.txt=a"}));
     EXPECT_EQ(tree.contents(deepSource), (Names{"long_name.txt=stays"}));
-    // DeleteFolder skips an entry whose path would pass 511 characters, and refuses whole a
-    // folder whose listing text would.
+    // DeleteFolder skips an entry whose path passes 511, and a folder whose listing would.
     const std::string deep =
         std::string(200, 'a') + "/" + std::string(200, 'b') + "/" + std::string(97 - root, 'c');
     ASSERT_EQ(tree.text(deep).size(), 500u);
@@ -203,8 +201,7 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     tree.file(deep + "/" + std::string(7, 'd') + "/y", "kept"); // the folder's listing is 512
     CzbFileUtil::DeleteFolder(Text(tree.text(deep)), false);
     EXPECT_EQ(tree.contents(deep), (Names{"ddddddd/", "ddddddd/y=kept", "name_too_long=kept"}));
-    // MakeDirectory takes a backslash right behind a colon for a drive's root: here "k:" is an
-    // ordinary name, it is not made, and so nothing below it can be.
+    // "k:\" is taken for a drive's root: here no folder "k:" is made, so nothing below it.
     CzbFileUtil::MakeDirectory(Text(tree.text("k:\\l")));
     EXPECT_FALSE(fs::exists(tree.path("k:")));
 #endif

@@ -33,8 +33,7 @@ void buildTree(const TempTree& tree) {
     tree.file("a.txt", "12345");
 }
 
-// Exposes the split of a search path and the recursion steps, and gives the found names
-// relative to a folder.
+// The split of a search path, the recursion steps, and the names found below the tree.
 class Splitter : public CzbFileUtil {
 public:
     using Split = std::pair<std::string, std::string>;
@@ -165,8 +164,7 @@ TEST(CzbFileUtilFind, RecursionStepsAddToTheLists) {
     Splitter util;
     ASSERT_EQ(util.files(tree, "a.txt", false).size(), 1u);
     ASSERT_EQ(util.getFindSubDirCount(), 1);
-    // A step counts its folder whether or not it holds a match, appends what it finds below
-    // the entries already listed, and leaves the error of the last search alone.
+    // A step counts its folder, appends its finds and leaves the last search's error alone.
     util.FindFileSubDir(Text(tree.text("sub") + "\\"), Text("*.txt"));
     expectListed(util.below(tree), {"a.txt", "sub\\c.txt", "sub\\deep\\d.txt"});
     EXPECT_EQ(util.getFindSubDirCount(), 1 + 3); // sub, sub\deep, sub\empty
@@ -228,8 +226,7 @@ TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
 
 TEST(CzbFileUtilFind, EntriesNearThePathLimits) {
     TempTree tree;
-    // A folder whose path with its closing backslash is 254 characters: a name of 5 characters
-    // makes a stored path of exactly 259, one of 6 passes the limit and is left out.
+    // A folder path of 254 with its backslash: names of 5 make 259 and fit, 6 are left out.
     const size_t rootLength = tree.text().size();
     ASSERT_LT(rootLength, 200u);
     const std::string folder(252 - rootLength, 'd');
@@ -241,16 +238,14 @@ TEST(CzbFileUtilFind, EntriesNearThePathLimits) {
     EXPECT_EQ(strlen(util.m_findData.at(0).name), 259u);
     EXPECT_EQ(util.getFindSubDirCount(), 1);
 #if !defined(_WIN32)
-    // Folders are entered up to a path of 511 characters with the closing backslash; what lies
-    // deeper is not walked. Nothing there fits a stored path, so the count tells.
+    // Folders are entered up to a path of 511 with the backslash; the count tells.
     const std::string ab = std::string(200, 'a') + "/" + std::string(200, 'b');
     const size_t rest = 511 - (rootLength + 1 + 5 + 201 + 201) - 1; // below root\deep\a...\b...\ .
     for (const std::string& last :
          {std::string(rest - 5, 'c'), std::string(rest, 'e'), std::string(rest + 1, 'f')}) {
         tree.dir("deep/" + ab + "/" + last + "/x");
     }
-    // The start (it lists a), a, a\b, a\b\c..., a\b\c...\x, a\b\e... (511 exactly); neither
-    // f... (512) nor e...\x is entered. Only a fits a stored path.
+    // Start, a, a\b, a\b\c, a\b\c\x, a\b\e (511); not f (512) nor e\x. Only a is stored.
     EXPECT_EQ(util.folders(tree, "deep\\*", true), Names{"deep\\" + std::string(200, 'a')});
     EXPECT_EQ(util.getFindSubDirCount(), 1 + 5);
 #endif
@@ -303,9 +298,7 @@ TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
     expected.push_back(tree.text("sub\\inner.txt"));
     EXPECT_EQ(fstest::names(util.m_findData), expected);
     EXPECT_EQ(util.getFindSubDirCount(), 2);
-    // Records: attributes, size, written and created (the time of the last change). Links give
-    // the record of the target; of a folder with size 0; of the link itself if there is no
-    // target. None has the folder bit, none is entered.
+    // Links give the target's record (a folder's with size 0), or their own if dangling.
     struct {
         const char* name;
         unsigned attrib;
@@ -384,8 +377,7 @@ TEST(CzbFileUtilFind, ACurrentFolderThatCannotBeNamed) {
     const std::string ab = std::string(200, 'a') + "/" + std::string(200, 'b');
     tree.file(ab + "/" + std::string(200, 'c') + "/x.txt");
     Splitter util;
-    // A current folder of more than 511 characters: a relative search finds nothing (its
-    // folder would pass the limit), an absolute one is not affected.
+    // A current folder over 511: a relative search finds nothing, an absolute one is as ever.
     tree.enter(ab + "/" + std::string(200, 'c'));
     EXPECT_EQ(util.code("*.txt", true), 0u + ENAMETOOLONG);
     EXPECT_EQ(util.code(tree.text("*.txt"), false), 1100u + ENOENT);
@@ -393,13 +385,11 @@ TEST(CzbFileUtilFind, ACurrentFolderThatCannotBeNamed) {
     tree.enter(ab);
     EXPECT_EQ(util.code(std::string(100, 'c') + "\\*.txt", false), 0u + ENAMETOOLONG);
     EXPECT_EQ(util.code(std::string(10, 'c') + "\\*.txt", false), 0u + ENOENT);
-    // A directory part of 256 or 257 characters (255 after a drive on Windows) is refused
-    // whole rather than cut.
+    // A directory part of 256 or 257 (255 after a drive on Windows) is refused, not cut.
     EXPECT_EQ(util.code("/" + std::string(253, 'd') + "/*.txt", false), 0u + ENOENT);
     EXPECT_EQ(util.code("/" + std::string(254, 'd') + "/*.txt", false), 0u + ENAMETOOLONG);
     EXPECT_EQ(util.code("/" + std::string(255, 'd') + "/*.txt", false), 0u + ENAMETOOLONG);
-    // A current folder that was removed has no name: nothing is found, for the reason the
-    // system gives.
+    // A removed current folder has no name: nothing is found, for the system's reason.
     tree.dir("gone");
     tree.enter("gone");
     fs::remove(tree.path("gone"));
@@ -420,9 +410,7 @@ TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
     const Names whole = fstest::names(util.m_findData);
     ASSERT_EQ(whole.size(), 48u);
     ASSERT_EQ(util.getFindSubDirCount(), 48);
-    // Two free descriptors: the walk cannot hold one per level. The limit caps the numbers of
-    // new descriptors, so it is counted from the lowest free one; that one is free again after
-    // the walk when every folder was closed.
+    // Two free descriptors (counted from the lowest free one, free again if all were closed).
     const int lowest = open("/dev/null", O_RDONLY | O_CLOEXEC);
     close(lowest);
     struct rlimit saved;
