@@ -107,19 +107,13 @@ TEST(FileSystemFault, CopiesAndBatchesOfAUserWhoMayNotTouchEveryFile) {
     // Unreadable twins, a closed folder with an open file, an open file the user may replace
     // (but cannot give root as the new file's owner).
     const fs::perms all = fs::perms::all, mine = fs::perms::owner_read | fs::perms::owner_write;
-    const std::pair<fs::path, fs::perms> modes[] = {
-        {d, all},
-        {src, all},
-        {dst, all},
-        {d / "shared.txt", all},
-        {dst / "b.txt", mine},
-        {src / "secret.txt", mine},
-        {locked / "fixed.txt", all},
-        {locked, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec},
-        {d / "ro.txt", fs::perms::owner_read | fs::perms::others_read}};
-    for (const auto& mode : modes) {
-        fs::permissions(mode.first, mode.second);
+    for (const fs::path& open : {d, src, dst, d / "shared.txt", locked / "fixed.txt"}) {
+        fs::permissions(open, all);
     }
+    fs::permissions(dst / "b.txt", mine);
+    fs::permissions(src / "secret.txt", mine);
+    fs::permissions(locked, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(d / "ro.txt", fs::perms::owner_read | fs::perms::others_read);
     const std::string from = lib(src), to = lib(dst), ro = lib(d / "ro.txt");
     const std::string a = lib(src / "a.txt"), fixed = lib(locked / "fixed.txt");
     int rc = zbtest::asUnprivileged([&] {
