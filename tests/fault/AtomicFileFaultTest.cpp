@@ -1,8 +1,8 @@
 // The file written beside its target: the old file survives every failure.
 #include <zbBase/platform/detail/zbpAtomicFile.h>
 
+#include "filesystem/TempTree.h"
 #include "support/zbFaults.h"
-#include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -12,15 +12,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-// Number of entries in a folder: a failed write must leave no stray file behind.
-size_t entries(const fs::path& folder) {
-    size_t n = 0;
-    for (auto it = fs::directory_iterator(folder); it != fs::directory_iterator(); ++it) {
-        ++n;
-    }
-    return n;
-}
 
 bool writeText(zbp::AtomicFile& file, const std::string& text) {
     return fwrite(text.data(), 1, text.size(), file.stream()) == text.size();
@@ -43,8 +34,7 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
         EXPECT_FALSE(file.commit());
     }
     EXPECT_EQ(zbtest::readBytes(target), old);
-    EXPECT_EQ(entries(dir.path()), 1u);
-
+    EXPECT_EQ(fstest::contents(dir.path()), fstest::Names{"data.bin=" + old});
     // A device is written where it stands: /dev/full refuses every byte.
     zbp::AtomicFile device;
     ASSERT_TRUE(device.open("/dev/full", "wb"));
@@ -54,7 +44,6 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
     EXPECT_FALSE(device.good());
     EXPECT_FALSE(device.commit());
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
-
     // Permissions carry over; a read-only file or folder stops an unprivileged writer.
     fs::permissions(target, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     zbp::AtomicFile asRoot;
@@ -72,7 +61,6 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
     EXPECT_EQ(zbtest::readBytes(target), old);
     EXPECT_EQ(fs::status(target).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-
     zbtest::SmallTmpfs disk(64 * 1024);
     if (!disk.ok()) {
         GTEST_SKIP() << disk.why();
@@ -84,7 +72,7 @@ TEST(AtomicFile, FullDiskDeviceAndReadOnlyTargetsFailAndKeepTheOldFile) {
     writeText(file, std::string(40000, 'n')); // both copies do not fit at once
     EXPECT_FALSE(file.commit());
     EXPECT_EQ(zbtest::readBytes(small), std::string(40000, 's'));
-    EXPECT_EQ(entries(disk.path()), 1u);
+    EXPECT_EQ(fstest::contents(disk.path()).size(), 1u);
 }
 
 #endif

@@ -1,6 +1,4 @@
-// Copies over an existing file on a full disk and into a folder the user may not write, and
-// tree operations given a symbolic link: the old file survives, nothing half-written stays
-// behind, and nothing behind a link is touched.
+// Copies on a full disk or for a user who may not write, tree operations given a link.
 #include <zbBase/filesystem/CzbFileUtil.h>
 #include <zbBase/filesystem/zbPathFileUtil.h>
 #include <zbBase/platform/detail/zbpFileOps.h>
@@ -54,35 +52,27 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
     zbtest::writeBytes(dst / "data.bin", old);
     const Names before = contents(dst);
 
-    // Without a fault the copy replaces the file and leaves nothing beside it.
-    EXPECT_TRUE(copyFile(src / "data.bin", dst / "x.bin"));
-    EXPECT_TRUE(zbtest::readBytes(dst / "x.bin") == fresh);
-    fs::remove(dst / "x.bin");
-
 #if !defined(_WIN32)
     {
         zbtest::FileSizeLimit full(4096); // every file stops growing at 4096 bytes
-        EXPECT_FALSE(copyFile(src / "data.bin", dst / "data.bin"));
-        EXPECT_FALSE(copyApi(src / "data.bin", dst / "data.bin", FALSE));
-        EXPECT_FALSE(copyApi(src / "data.bin", dst / "new.bin", TRUE));
-        // A folder copy keeps its documented result; CopytoFolder reports the copy that failed
-        // after both files opened; the move copies nothing whole, so it deletes nothing.
+        EXPECT_FALSE(copyFile(src / "data.bin", dst / "data.bin") ||
+                     copyApi(src / "data.bin", dst / "data.bin", FALSE) ||
+                     copyApi(src / "data.bin", dst / "new.bin", TRUE));
+        // CopyFolder keeps its documented 1; the move copies nothing whole, so deletes nothing.
         EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(src)), Text(lib(dst)), false), 1);
         EXPECT_FALSE(zbPathFileUtil::CopytoFolder(Text(lib(src / "*.bin")), Text(lib(dst))));
         EXPECT_EQ(CzbFileUtil::MoveFolder(Text(lib(src)), Text(lib(dst)), false), 0);
         EXPECT_TRUE(contents(dst) == before);
         EXPECT_TRUE(zbtest::readBytes(src / "data.bin") == fresh);
     }
-
     // A device is written where it stands, and a write it refuses is reported.
     EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text(lib(src / "data.bin")), Text("/dev/full")));
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
     // /proc/self/mem is a regular file that fails every read at its start (EIO).
-    EXPECT_FALSE(zbPathFileUtil::CopytoFile(Text("/proc/self/mem"), Text(lib(dst / "data.bin"))));
-    EXPECT_FALSE(zbp::CopyFileA("/proc/self/mem", lib(dst / "data.bin").c_str(), FALSE));
-    EXPECT_FALSE(zbp::CopyFileA("/proc/self/mem", lib(dst / "new.bin").c_str(), TRUE));
+    EXPECT_FALSE(copyFile("/proc/self/mem", dst / "data.bin") ||
+                 copyApi("/proc/self/mem", dst / "data.bin", FALSE) ||
+                 copyApi("/proc/self/mem", dst / "new.bin", TRUE));
     EXPECT_TRUE(contents(dst) == before);
-
     zbtest::SmallTmpfs disk(128 * 1024);
     if (!disk.ok()) {
         GTEST_SKIP() << disk.why();
@@ -90,15 +80,13 @@ TEST(FileSystemFault, CopyOverAFileKeepsItWhenTheCopyFails) {
     const fs::path small = disk.path();
     zbtest::writeBytes(small / "data.bin", pattern(63000, 'k'));
     const Names kept = contents(small);
-    // A file larger than the whole disk.
-    zbtest::writeBytes(src / "huge.bin", pattern(200000, 'h'));
-    EXPECT_FALSE(copyFile(src / "huge.bin", small / "data.bin"));
-    EXPECT_FALSE(copyApi(src / "huge.bin", small / "data.bin", FALSE));
+    zbtest::writeBytes(src / "huge.bin", pattern(200000, 'h')); // larger than the whole disk
+    EXPECT_FALSE(copyFile(src / "huge.bin", small / "data.bin") ||
+                 copyApi(src / "huge.bin", small / "data.bin", FALSE));
     fs::copy_file(src / "huge.bin", src / "data.bin", fs::copy_options::overwrite_existing);
     EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(src)), Text(lib(small)), false), 1);
     EXPECT_TRUE(contents(small) == kept);
-    // A file that would fit alone but not beside the old one: the copy is refused rather than
-    // made in place, where a failure would cost the old file.
+    // Room for the copy alone but not beside the old file: refused, never made in place.
     zbtest::writeBytes(dir.path() / "fresh.bin", fresh); // 100000 bytes
     EXPECT_FALSE(copyFile(dir.path() / "fresh.bin", small / "data.bin"));
     EXPECT_TRUE(contents(small) == kept);
@@ -116,31 +104,21 @@ TEST(FileSystemFault, CopiesAndBatchesOfAUserWhoMayNotTouchEveryFile) {
     }
     const std::string big = pattern(20000, 'a');
     zbtest::writeBytes(src / "a.txt", big);
-    // Twins in the target that the user cannot compare (one source, one target unreadable); a
-    // folder closed to the user, whose file is open to everyone; a file open to everyone in a
-    // folder open to everyone: the user may replace it, but cannot give the new file root as
-    // its owner.
+    // Unreadable twins, a closed folder with an open file, an open file the user may replace
+    // (but cannot give root as the new file's owner).
     const fs::perms all = fs::perms::all, mine = fs::perms::owner_read | fs::perms::owner_write;
-    const std::pair<fs::path, fs::perms> modes[] = {
-        {d, all},
-        {src, all},
-        {dst, all},
-        {d / "shared.txt", all},
-        {dst / "b.txt", mine},
-        {src / "secret.txt", mine},
-        {locked / "fixed.txt", all},
-        {locked, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec},
-        {d / "ro.txt", fs::perms::owner_read | fs::perms::others_read}};
-    for (const auto& mode : modes) {
-        fs::permissions(mode.first, mode.second);
+    for (const fs::path& open : {d, src, dst, d / "shared.txt", locked / "fixed.txt"}) {
+        fs::permissions(open, all);
     }
+    fs::permissions(dst / "b.txt", mine);
+    fs::permissions(src / "secret.txt", mine);
+    fs::permissions(locked, fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(d / "ro.txt", fs::perms::owner_read | fs::perms::others_read);
     const std::string from = lib(src), to = lib(dst), ro = lib(d / "ro.txt");
     const std::string a = lib(src / "a.txt"), fixed = lib(locked / "fixed.txt");
     int rc = zbtest::asUnprivileged([&] {
         int failures = 0;
-        // No new file can be made beside the target: the copy is refused, not done in place,
-        // on a full disk as well (a failed copy could not be cleaned up there). A file that
-        // does not open is skipped, as documented.
+        // No new file beside the target: refused, not done in place, on a full disk too.
         failures |= zbPathFileUtil::CopytoFile(Text(a), Text(fixed)) ? 1 : 0;
         failures |= zbp::CopyFileA(a.c_str(), fixed.c_str(), FALSE) ? 1 : 0;
         failures |= zbp::CopyFileA(ro.c_str(), lib(locked / "new.txt").c_str(), TRUE) ? 2 : 0;
@@ -181,7 +159,7 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     const fs::path outside = d / "outside";
     zbtest::writeBytes(outside / "precious.txt", "keep");
     zbtest::writeBytes(outside / "sub" / "deep.txt", "keep too");
-    auto survived = [&] {
+    auto survived = [&] { // the files behind the links
         return zbtest::readBytes(outside / "precious.txt") == "keep" &&
                zbtest::readBytes(outside / "sub" / "deep.txt") == "keep too";
     };
@@ -192,13 +170,11 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     auto move = [&](const std::string& from, const std::string& to) {
         return CzbFileUtil::MoveFolder(Text(lib(d / from)), Text(lib(d / to)), false);
     };
-    // The link given as the folder, with and without a closing separator, goes alone; so
-    // does a link inside the tree, and a dangling link. A link to a file is no folder and
-    // stays, as a file would.
-    fs::create_directory_symlink(outside, d / "link");
-    EXPECT_FALSE(remove("link"));
-    fs::create_directory_symlink(outside, d / "link");
-    EXPECT_FALSE(remove("link", "\\"));
+    // A folder link (given, inside, dangling) goes alone; a link to a file stays, as a file.
+    for (const char* closing : {"", "\\"}) {
+        fs::create_directory_symlink(outside, d / "link");
+        EXPECT_FALSE(remove("link", closing));
+    }
     zbtest::writeBytes(d / "tree" / "a.txt", "a");
     fs::create_directory_symlink(outside, d / "tree" / "inner");
     EXPECT_FALSE(remove("tree"));
@@ -207,9 +183,7 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     fs::create_symlink(outside / "precious.txt", d / "filelink");
     EXPECT_TRUE(remove("filelink"));
     EXPECT_TRUE(survived());
-
-    // Copying from a link copies what it names; moving it moves the link: the copy is made and
-    // the link goes once everything arrived, while the files behind it stay.
+    // A copy from a link copies what it names; a move ends by removing the link alone.
     fs::create_directory_symlink(outside, d / "link");
     EXPECT_EQ(CzbFileUtil::CopyFolder(Text(lib(d / "link")), Text(lib(d / "copy")), false), 1);
     EXPECT_EQ(zbtest::readBytes(d / "copy" / "sub" / "deep.txt"), "keep too");
@@ -226,9 +200,7 @@ TEST(FileSystemFault, TreeOperationsGivenALinkNeverReachBehindIt) {
     move("link", "moved2");
     EXPECT_TRUE(fs::is_symlink(d / "link"));
     EXPECT_TRUE(survived());
-
-    // A search through the link as its root finds what it names; renames there rename the
-    // link itself, never its target.
+    // A search through a link finds what it names; a rename renames the link, not its target.
     CzbFileUtil util;
     util.FindFile(Text(lib(d / "link") + "\\*.txt"), true);
     EXPECT_EQ(util.getFindData()->size(), 2u);

@@ -1,8 +1,6 @@
-// File systems that answer otherwise than the one the tests run on: folders read without the
-// entries' types (as some file systems give them), entries that vanish between the listing and
-// the look, a read of a folder interrupted by a signal, and renames on file systems without an
-// atomic no-replace rename or without hard links. The system calls are taken over on demand by
-// definitions in this program, which otherwise pass every call to the C library.
+// File systems that answer otherwise (no entry types, vanishing entries, interrupted or failing
+// folder reads, no no-replace rename, no hard links), through system calls this program takes
+// over on demand and otherwise passes to the C library.
 #include <stdio.h> // tells __GLIBC__
 
 #if defined(__linux__) && defined(__GLIBC__)
@@ -62,18 +60,6 @@ size_t appendEntry(char* at, const char* name, unsigned char type) {
     memcpy(at + offsetof(struct dirent64, d_name), name, strlen(name) + 1);
     return reclen;
 }
-
-// Sets a fault for the life of the object.
-class Fault {
-public:
-    explicit Fault(std::atomic<bool>& flag) : m_flag(flag) { m_flag = true; }
-    ~Fault() { m_flag = false; }
-    Fault(const Fault&) = delete;
-    Fault& operator=(const Fault&) = delete;
-
-private:
-    std::atomic<bool>& m_flag;
-};
 
 } // namespace
 
@@ -148,43 +134,28 @@ namespace {
 
 using fstest::lib;
 
-// What a search gives: the entries with their records, and the two numbers.
-struct Result {
-    std::vector<std::string> entries;
-    int folders;
-    int error;
-    bool operator==(const Result& other) const {
-        return entries == other.entries && folders == other.folders && error == other.error;
-    }
-};
-
-std::ostream& operator<<(std::ostream& out, const Result& result) {
-    out << result.folders << " folders, error " << result.error << ":";
-    for (const std::string& entry : result.entries) {
-        out << "\n  " << entry;
-    }
-    return out;
-}
-
+// What a search gives: the entries with their records, then the folders entered and the error.
+using Result = std::vector<std::string>;
 Result search(const std::string& path, bool folders, bool subDir) {
     CzbFileUtil util;
-    Text text(path);
-    if (folders) {
-        util.FindFolder(text, subDir);
-    } else {
-        util.FindFile(text, subDir);
-    }
-    Result result{{}, util.getFindSubDirCount(), util.getLastError()};
+    folders ? util.FindFolder(Text(path), subDir) : util.FindFile(Text(path), subDir);
+    Result result;
     for (const __finddata64_t& entry : *util.getFindData()) {
-        result.entries.push_back(
-            std::string(entry.name) + " attrib " + std::to_string(entry.attrib) + " size " +
-            std::to_string(entry.size) + " written " + std::to_string(entry.time_write));
+        result.push_back(std::string(entry.name) + " attrib " + std::to_string(entry.attrib) +
+                         " size " + std::to_string(entry.size) + " written " +
+                         std::to_string(entry.time_write));
     }
+    result.push_back(std::to_string(util.getFindSubDirCount()) + " folders, error " +
+                     std::to_string(util.getLastError()));
     return result;
 }
 
-// root: a.txt b.log .hidden.txt m.txt/inner.txt sub/c.txt sub/deep/d.txt .dot/e.txt, a link to
-// sub, a dangling link, a pipe and a socket.
+Result entries(Result result) {
+    result.pop_back();
+    return result;
+}
+
+// The tree of the search tests, with a link to sub, a dangling link, a pipe and a socket.
 void buildTree(const fs::path& root) {
     for (const char* name : {"a.txt", "b.log", ".hidden.txt", "m.txt/inner.txt", "sub/c.txt",
                              "sub/deep/d.txt", ".dot/e.txt"}) {
@@ -216,43 +187,38 @@ TEST(PlatformFault, WalksOnFileSystemsThatAnswerOtherwiseFindTheSame) {
     const Result everything = search(all, false, true);
     const Result folders = search(all, true, true);
     // Pipes, sockets and links are plain entries, never entered: the walk stays in the tree.
-    ASSERT_EQ(txt.entries.size(), 9u) << txt;
-    EXPECT_EQ(txt.entries[0].substr(0, lib(root / ".hidden.txt").size()),
-              lib(root / ".hidden.txt"));
-    EXPECT_NE(txt.entries[3].find("link.txt attrib 32 size 0 "), std::string::npos) << txt;
-    EXPECT_NE(txt.entries[4].find("pipe.txt attrib 32 size 0 "), std::string::npos) << txt;
-    EXPECT_NE(txt.entries[5].find("socket.txt attrib 32 size 0 "), std::string::npos) << txt;
-    EXPECT_EQ(txt.folders, 4);
-    ASSERT_EQ(folders.entries.size(), 3u) << folders;
-    ASSERT_EQ(folders.folders, 4);
-
-    // An interrupted read of a folder is repeated.
-    g_interrupts = 3;
+    ASSERT_EQ(txt.size(), 10u);
+    EXPECT_EQ(txt[0].substr(0, lib(root / ".hidden.txt").size()), lib(root / ".hidden.txt"));
+    for (int i : {3, 4, 5}) {
+        const std::string name = i == 3 ? "link" : i == 4 ? "pipe" : "socket";
+        EXPECT_NE(txt[i].find(name + ".txt attrib 32 size 0 "), std::string::npos) << txt[i];
+    }
+    EXPECT_EQ(txt.back(), "4 folders, error " + std::to_string(ENOENT));
+    ASSERT_EQ(folders.size(), 4u);
+    g_interrupts = 3; // an interrupted read of a folder is repeated
     EXPECT_EQ(search(files, false, true), txt);
     EXPECT_EQ(g_interrupts.exchange(0), 0);
-    // A folder whose read fails ends its listing there and nothing else: here the first
-    // folder read, the start, gives nothing, and the walk ends without a hang.
+    // A failing read ends that folder's listing only (here the start's), without a hang.
     g_readErrors = 1;
-    const Result failed = search(files, false, true);
+    EXPECT_EQ(search(files, false, true), Result{"0 folders, error " + std::to_string(ENOENT)});
     g_readErrors = 0;
-    EXPECT_EQ(failed, (Result{{}, 0, ENOENT}));
-    {
-        // Each folder the walk reads lists three entries that are gone: a file, one of unknown
-        // type and a folder. None is stored; the folder counts as entered (it was listed), as
-        // a folder that cannot be read does.
-        Fault ghosts(g_ghosts);
-        EXPECT_EQ(search(files, false, true), (Result{txt.entries, txt.folders + 4, ENOENT}));
-        EXPECT_EQ(search(all, true, true).entries, folders.entries);
-        Fault unknown(g_unknownTypes);
-        EXPECT_EQ(search(files, false, true).entries, txt.entries);
-    }
+    // Each read lists a file, an unknown entry and a folder that are gone: none is stored, the
+    // folder counts as entered.
+    g_ghosts = true;
+    Result more = txt;
+    more.back() = "8 folders, error " + std::to_string(ENOENT);
+    EXPECT_EQ(search(files, false, true), more);
+    EXPECT_EQ(entries(search(all, true, true)), entries(folders));
+    g_unknownTypes = true;
+    EXPECT_EQ(entries(search(files, false, true)), entries(txt));
+    g_ghosts = false;
     // Folders read without the entries' types.
-    Fault unknown(g_unknownTypes);
     EXPECT_EQ(search(files, false, true), txt);
     EXPECT_EQ(search(all, false, true), everything);
     EXPECT_EQ(search(all, true, true), folders);
-    EXPECT_EQ(search(lib(root / "sub"), true, false).entries.size(), 1u);
-    EXPECT_TRUE(search(lib(root / "link.txt"), true, false).entries.empty());
+    EXPECT_EQ(search(lib(root / "sub"), true, false).size(), 2u);
+    EXPECT_EQ(search(lib(root / "link.txt"), true, false).size(), 1u);
+    g_unknownTypes = false;
 }
 
 TEST(PlatformFault, RenamesNeverReplaceWithOrWithoutAnAtomicNoReplaceRename) {
@@ -279,8 +245,7 @@ TEST(PlatformFault, RenamesNeverReplaceWithOrWithoutAnAtomicNoReplaceRename) {
         EXPECT_EQ(rename("d1\\", "d3"), 0);
         EXPECT_EQ(rename("none", "x"), -1);
         EXPECT_EQ(rename("b.txt", "no/b.txt"), -1);
-        // The batch rename keeps its documented outcome: one file takes the name, the other
-        // is refused and not recorded.
+        // The batch rename: one file takes the name, the other is refused and not recorded.
         CzbFileUtil util;
         util.RenameFile(Text(lib(root / "*.txt")), Text("same.txt"), false);
         EXPECT_EQ(util.getFindData()->size(), 2u);

@@ -7,13 +7,14 @@ using fstest::TempTree;
 using fstest::Text;
 namespace fs = std::filesystem;
 
-TEST(CzbFileUtilBatch, RenameFileReplacesTheFirstOccurrence) {
+TEST(CzbFileUtilBatch, RenameFilesAndFolders) {
     TempTree tree;
     tree.file("a_old.txt", "old");
     tree.file("b.txt", "b");
     tree.file("old_old.txt", "o");
     tree.file("atxt.txt", "t");
-    tree.dir("dir_old");
+    tree.file("old1/old2/f.txt", "f");
+    tree.file("keep/x.txt", "x");
     CzbFileUtil util;
     auto rename = [&](const char* path, const char* find, const char* replace) {
         Text f(find ? find : ""), r(replace ? replace : "");
@@ -29,18 +30,28 @@ TEST(CzbFileUtilBatch, RenameFileReplacesTheFirstOccurrence) {
     EXPECT_EQ(rename("*.txt", "txt", "bak"), 44u);
     EXPECT_EQ(rename("b.bak", "", "x_"), 11u);
     // A star in the texts is an ordinary character; missing texts rename nothing.
-    EXPECT_EQ(rename("*.bak", "*", "y"), 30u);
-    EXPECT_EQ(rename("*.bak", nullptr, "y"), 30u);
+    EXPECT_EQ(rename("*.bak", "*", "y") + rename("*.bak", nullptr, "y"), 60u);
     EXPECT_EQ(rename("*.bak", "b", nullptr), 30u);
     util.RenameFile(Text(tree.text("*.bak")), nullptr, false);
     EXPECT_TRUE(util.getProcessData()->empty());
-    util.RenameFolder(Text(tree.text("dir_*")), Text("old"), nullptr, false);
+    util.RenameFolder(Text(tree.text("old*")), Text("old"), nullptr, false);
     EXPECT_TRUE(util.getProcessData()->empty());
-    util.RenameFolder(Text(tree.text("dir_*")), nullptr, false);
-    EXPECT_EQ(util.getFindData()->size(), 1u);
+    util.RenameFolder(Text(tree.text("old*")), nullptr, false);
+    EXPECT_EQ(util.getFindData()->size() * 10 + util.getProcessData()->size(), 10u);
+    // Folders parents first: the inner one has moved with its parent and is skipped.
+    util.RenameFolder(Text(tree.text("old*")), Text("old"), Text("new"), true);
+    fstest::expectListed(fstest::names(util.m_findData),
+                         {tree.text("old1"), tree.text("old1\\old2")});
+    fstest::expectListed(fstest::names(util.m_processData), {tree.text("new1")});
+    util.RenameFolder(Text(tree.text("keep")), Text("kept"), false);
+    ASSERT_EQ(util.getProcessData()->size(), 1u);
+    EXPECT_EQ(std::string(util.m_processData[0].name), tree.text("kept") + "\\");
+    EXPECT_NE(util.m_processData[0].attrib & _A_SUBDIR, 0u);
+    util.RenameFolder(Text(tree.text("kept")), Text("new1"), false); // an existing target stays
     EXPECT_TRUE(util.getProcessData()->empty());
     EXPECT_EQ(tree.contents(),
-              (Names{"a_new.bak=old", "abak.txt=t", "dir_old/", "new_old.bak=o", "x_b.bak=b"}));
+              (Names{"a_new.bak=old", "abak.txt=t", "kept/", "kept/x.txt=x", "new1/", "new1/old2/",
+                     "new1/old2/f.txt=f", "new_old.bak=o", "x_b.bak=b"}));
 }
 
 TEST(CzbFileUtilBatch, RenameFileToOneNameNeverOverwrites) {
@@ -64,27 +75,6 @@ TEST(CzbFileUtilBatch, RenameFileToOneNameNeverOverwrites) {
     EXPECT_EQ(tree.contents(), after);
 }
 
-TEST(CzbFileUtilBatch, RenameFolderParentsFirst) {
-    TempTree tree;
-    tree.file("old1/old2/f.txt", "f");
-    tree.file("keep/x.txt", "x");
-    CzbFileUtil util;
-    util.RenameFolder(Text(tree.text("old*")), Text("old"), Text("new"), true);
-    fstest::expectListed(fstest::names(util.m_findData),
-                         {tree.text("old1"), tree.text("old1\\old2")});
-    // The inner folder has moved with its parent before its own turn: it is skipped.
-    fstest::expectListed(fstest::names(util.m_processData), {tree.text("new1")});
-    util.RenameFolder(Text(tree.text("keep")), Text("kept"), false);
-    ASSERT_EQ(util.getProcessData()->size(), 1u);
-    EXPECT_EQ(std::string(util.m_processData[0].name), tree.text("kept") + "\\");
-    EXPECT_NE(util.m_processData[0].attrib & _A_SUBDIR, 0u);
-    // An existing target is not replaced.
-    util.RenameFolder(Text(tree.text("kept")), Text("new1"), false);
-    EXPECT_TRUE(util.getProcessData()->empty());
-    EXPECT_EQ(tree.contents(),
-              (Names{"kept/", "kept/x.txt=x", "new1/", "new1/old2/", "new1/old2/f.txt=f"}));
-}
-
 TEST(CzbFileUtilBatch, DeleteFilesLeavesFolders) {
     TempTree tree;
     for (const char* name : {"a.txt", "b.log", "sub/c.txt", "sub/.d.txt", "e.txt/f.log"}) {
@@ -99,50 +89,45 @@ TEST(CzbFileUtilBatch, DeleteFilesLeavesFolders) {
     EXPECT_TRUE(util.getProcessData()->empty());
 }
 
-TEST(CzbFileUtilBatch, CopyFolderIsByteIdentical) {
+TEST(CzbFileUtilBatch, CopyAndMoveFolderNeverLoseAFile) {
     TempTree tree;
     std::string big(300000, '\0');
     for (size_t i = 0; i < big.size(); ++i) {
         big[i] = static_cast<char>(i * 7 + i / 251);
     }
-    tree.file("src/big.bin", big);
-    tree.file("src/.profile", "dot file");
-    tree.file("src/a/b/c.txt", "deep");
-    tree.file("src/.git/config", "dot folder");
-    tree.file("dst/big.bin", "old content that is replaced");
-    tree.file("dst/other.txt", "stays");
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(tree.text("dst")), false), 1);
-    EXPECT_EQ(tree.contents("dst"), (Names{".profile=dot file", "a/", "a/b/", "a/b/c.txt=deep",
-                                           "big.bin=" + big, "other.txt=stays"}));
+    // The copy: byte for byte, dot files but no dot folders, over what the target holds.
+    tree.file("c/big.bin", big);
+    tree.file("c/.profile", "dot file");
+    tree.file("c/a/b.txt", "deep");
+    tree.file("c/.git/config", "dot folder");
+    tree.file("cd/big.bin", "old content that is replaced");
+    tree.file("cd/other.txt", "stays");
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("c")), Text(tree.text("cd")), false), 1);
+    EXPECT_TRUE(fstest::readFile(tree.path("cd/big.bin")) == big);
+    fs::remove_all(tree.path("c"));
+    fs::remove(tree.path("cd/big.bin"));
     EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("missing")), Text(tree.text("new")), true), 0);
-    EXPECT_TRUE(fs::is_directory(tree.path("new")));
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(""), Text(tree.text("x")), false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text(std::string(260, 'l'))), Text(tree.text("y")),
-                                      false),
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(""), Text(tree.text("x")), false) +
+                  CzbFileUtil::CopyFolder(Text(tree.text(std::string(260, 'l'))),
+                                          Text(tree.text("y")), false),
               0);
-    EXPECT_FALSE(fs::exists(tree.path("x")) || fs::exists(tree.path("y")));
-}
-
-TEST(CzbFileUtilBatch, MoveFolderNeverLosesAFile) {
-    TempTree tree;
+    // The move: a folder where a file should go makes that one copy fail, and it stays.
     tree.file("src/a.txt", "a");
     tree.file("src/sub/b.txt", "b");
     tree.file("src/blocked.txt", "must survive");
     tree.file("src/.hidden/h.txt", "h");
-    tree.dir("dst/blocked.txt"); // a folder where a file should go makes that one copy fail
+    tree.dir("dst/blocked.txt");
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(tree.text("dst")), false), 0);
-    EXPECT_EQ(tree.contents(), (Names{"dst/", "dst/a.txt=a", "dst/blocked.txt/", "dst/sub/",
-                                      "dst/sub/b.txt=b", "src/", "src/.hidden/",
-                                      "src/.hidden/h.txt=h", "src/blocked.txt=must survive"}));
     // Onto itself nothing is lost either; a complete move leaves no source.
-    const Names left = tree.contents("src");
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(tree.text("src")), false), 0);
-    EXPECT_EQ(tree.contents("src"), left);
     tree.file("whole/s/t.txt", "t");
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("whole")), Text(tree.text("moved")), false),
               0);
-    EXPECT_FALSE(fs::exists(tree.path("whole")));
-    EXPECT_EQ(tree.contents("moved"), (Names{"s/", "s/t.txt=t"}));
+    EXPECT_EQ(tree.contents(),
+              (Names{"cd/", "cd/.profile=dot file", "cd/a/", "cd/a/b.txt=deep",
+                     "cd/other.txt=stays", "dst/", "dst/a.txt=a", "dst/blocked.txt/", "dst/sub/",
+                     "dst/sub/b.txt=b", "moved/", "moved/s/", "moved/s/t.txt=t", "new/", "src/",
+                     "src/.hidden/", "src/.hidden/h.txt=h", "src/blocked.txt=must survive"}));
 }
 
 TEST(CzbFileUtilBatch, DeleteFolderAndMakeDirectory) {
@@ -157,7 +142,6 @@ TEST(CzbFileUtilBatch, DeleteFolderAndMakeDirectory) {
     CzbFileUtil::DeleteFolder(Text(tree.text("missing")), false);
     EXPECT_EQ(tree.contents(),
               (Names{"dotted/", "dotted/x/", "dotted/x/.keep/", "dotted/x/.keep/k.txt=k"}));
-
     CzbFileUtil::MakeDirectory(Text(tree.text("m\\n\\o")));
     CzbFileUtil::MakeDirectory(Text(tree.text("m\\n\\o") + "\\"));
     // Only the backslash divides: with slashes only the whole path is tried.
@@ -171,8 +155,7 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     TempTree tree;
     const size_t root = tree.text().size();
     ASSERT_LT(root, 90u);
-    // A target deeper than the source: a name whose path there would pass 259 characters is not
-    // copied, and the move leaves it in the source.
+    // A deeper target: a name whose path there passes 259 is not copied and stays in the source.
     const std::string target(249 - root, 't'); // its path has 250 characters
     tree.file("src/a.txt", "a");
     tree.file("src/s/b.txt", "b");
@@ -181,22 +164,21 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     // s/b.txt has 258 characters there.
     EXPECT_EQ(tree.contents(target), (Names{"a.txt=a", "s/", "s/b.txt=b"}));
     EXPECT_EQ(tree.contents("src"), (Names{"long_name.txt=stays"}));
-
     // A target over 259 characters, and missing arguments: 0, nothing made, nothing moved.
     const std::string over = tree.text(target + "\\" + std::string(9, 'x'));
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(over), false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(nullptr, Text(tree.text("n1")), false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), nullptr, false), 0);
-    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(""), false), 0);
-    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(""), false), 0);
-    EXPECT_EQ(CzbFileUtil::MoveFolder(nullptr, Text(tree.text("n2")), false), 0);
-    EXPECT_EQ(CzbFileUtil::MoveFolder(Text(""), Text(tree.text("n3")), false), 0);
+    EXPECT_EQ(CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(over), false) +
+                  CzbFileUtil::CopyFolder(nullptr, Text(tree.text("n1")), false) +
+                  CzbFileUtil::CopyFolder(Text(tree.text("src")), nullptr, false) +
+                  CzbFileUtil::CopyFolder(Text(tree.text("src")), Text(""), false) +
+                  CzbFileUtil::MoveFolder(Text(tree.text("src")), Text(""), false) +
+                  CzbFileUtil::MoveFolder(nullptr, Text(tree.text("n2")), false) +
+                  CzbFileUtil::MoveFolder(Text(""), Text(tree.text("n3")), false),
+              0);
     CzbFileUtil::DeleteFolder(nullptr, false);
     CzbFileUtil::MakeDirectory(nullptr);
     EXPECT_EQ(tree.contents().size(), 6u); // src, its file, the target and its three entries
 #if !defined(_WIN32)
-    // A source whose listing would pass 259 characters is not copied, so nothing of it is
-    // deleted by a move.
+    // A source whose listing would pass 259 is not copied, so the move deletes nothing.
     const std::string longSource = std::string(200, 'q') + "/" + std::string(255 - root - 201, 'r');
     tree.file(longSource + "/f.txt", "f");
     ASSERT_EQ(tree.text(longSource).size(), 256u);
@@ -210,9 +192,7 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     EXPECT_EQ(CzbFileUtil::MoveFolder(Text(tree.text(deepSource)), Text(tree.text("m")), false), 0);
     EXPECT_EQ(tree.contents("m"), (Names{"a.txt=a"}));
     EXPECT_EQ(tree.contents(deepSource), (Names{"long_name.txt=stays"}));
-
-    // DeleteFolder skips an entry whose path would pass 511 characters, and refuses whole a
-    // folder whose listing text would.
+    // DeleteFolder skips an entry whose path passes 511, and a folder whose listing would.
     const std::string deep =
         std::string(200, 'a') + "/" + std::string(200, 'b') + "/" + std::string(97 - root, 'c');
     ASSERT_EQ(tree.text(deep).size(), 500u);
@@ -221,9 +201,7 @@ TEST(CzbFileUtilBatch, TreeOperationsAtThePathLimits) {
     tree.file(deep + "/" + std::string(7, 'd') + "/y", "kept"); // the folder's listing is 512
     CzbFileUtil::DeleteFolder(Text(tree.text(deep)), false);
     EXPECT_EQ(tree.contents(deep), (Names{"ddddddd/", "ddddddd/y=kept", "name_too_long=kept"}));
-
-    // MakeDirectory takes a backslash right behind a colon for a drive's root: here "k:" is an
-    // ordinary name, it is not made, and so nothing below it can be.
+    // "k:\" is taken for a drive's root: here no folder "k:" is made, so nothing below it.
     CzbFileUtil::MakeDirectory(Text(tree.text("k:\\l")));
     EXPECT_FALSE(fs::exists(tree.path("k:")));
 #endif

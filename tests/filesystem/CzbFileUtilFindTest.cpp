@@ -33,8 +33,7 @@ void buildTree(const TempTree& tree) {
     tree.file("a.txt", "12345");
 }
 
-// Exposes the split of a search path and the recursion steps, and gives the found names
-// relative to a folder.
+// The split of a search path, the recursion steps, and the names found below the tree.
 class Splitter : public CzbFileUtil {
 public:
     using Split = std::pair<std::string, std::string>;
@@ -66,6 +65,11 @@ public:
         FindFolder(Text(tree.text(path)), subDir);
         return below(tree);
     }
+    // Entries found × 1000 + folders entered × 100 + the error number.
+    size_t code(const std::string& path, bool subDir, bool folders = false) {
+        folders ? FindFolder(Text(path), subDir) : FindFile(Text(path), subDir);
+        return m_findData.size() * 1000 + getFindSubDirCount() * 100 + getLastError();
+    }
     using CzbFileUtil::FindFileSubDir;
     using CzbFileUtil::FindFolderSubDir;
     using CzbFileUtil::makeAbPathWildcard;
@@ -73,7 +77,7 @@ public:
 
 } // namespace
 
-TEST(CzbFileUtilFind, FilesInOneFolderAndInTheTree) {
+TEST(CzbFileUtilFind, FilesAndFoldersInOneFolderAndInTheTree) {
     TempTree tree;
     buildTree(tree);
     Splitter util;
@@ -82,7 +86,6 @@ TEST(CzbFileUtilFind, FilesInOneFolderAndInTheTree) {
     expectListed(util.files(tree, "*.txt", false), {".hidden.txt", "a.txt"});
     EXPECT_EQ(util.getFindSubDirCount(), 1);
     EXPECT_EQ(util.getLastError(), ENOENT);
-    EXPECT_EQ(std::string(util.getProcessPath()), tree.text() + "\\");
     __finddata64_t* a = util.getFindData(Text("a.txt"));
     ASSERT_NE(a, nullptr);
     EXPECT_EQ(a->size, 5);
@@ -91,51 +94,35 @@ TEST(CzbFileUtilFind, FilesInOneFolderAndInTheTree) {
     EXPECT_EQ(util.getFindData(Text("A.txt")), nullptr);
     EXPECT_EQ(util.getFindData(Text("m.txt")), nullptr); // a folder matching the pattern
     EXPECT_EQ(util.getFindData(nullptr), nullptr);
-
     // Depth first: the matches of a folder, then its subtrees; ".dot" is never entered.
     expectListed(util.files(tree, "*.txt", true),
                  {".hidden.txt", "a.txt", "m.txt\\inner.txt", "sub\\c.txt", "sub\\deep\\d.txt"});
     EXPECT_EQ(util.getFindSubDirCount(), 4);
-    EXPECT_EQ(util.getLastError(), ENOENT);
     // No match at the top, matches below.
     expectListed(util.files(tree, "d.txt", true), {"sub\\deep\\d.txt"});
     EXPECT_EQ(util.getFindSubDirCount(), 3);
     EXPECT_TRUE(util.files(tree, "*.zzz", false).empty());
-    EXPECT_EQ(util.getFindSubDirCount(), 0);
-    EXPECT_EQ(util.getLastError(), ENOENT);
+    EXPECT_EQ(util.getFindSubDirCount() + util.getLastError(), ENOENT);
     // '?' is one character; letters match in either case.
     expectListed(util.files(tree, "?.TXT", false), {"a.txt"});
     EXPECT_EQ(util.files(tree, "*.*", false).size(), 3u);
-
     CzbFileUtil& base = util;
     CzbFileUtil copy(util);
     util.clear();
     EXPECT_TRUE(util.getFindData()->empty());
     EXPECT_EQ(util.getFindSubDirCount() + util.getLastError(), 1);
-    EXPECT_EQ(copy.getFindData()->size(), 3u);
-    EXPECT_EQ(copy.getLastError(), ENOENT);
     base = copy;
-    EXPECT_EQ(util.getFindData()->size(), 3u);
-    EXPECT_NE(util.getFindData(), copy.getFindData());
     base = base; // assigned to itself, it keeps its lists
-    EXPECT_EQ(util.getFindData()->size(), 3u);
-}
-
-TEST(CzbFileUtilFind, Folders) {
-    TempTree tree;
-    buildTree(tree);
-    Splitter util;
-    util.FindFile(Text(tree.text("sub\\*.txt")), false);
-    const std::string processPath = util.getProcessPath();
+    EXPECT_EQ(util.getFindData()->size() + copy.getFindData()->size(), 6u);
+    EXPECT_NE(util.getFindData(), copy.getFindData());
+    EXPECT_EQ(copy.getLastError(), ENOENT);
+    // Folders: the folder bit on each; without wildcards the last component names the one.
     expectListed(util.folders(tree, "*", true), {"m.txt", "sub", "sub\\deep"});
     EXPECT_EQ(util.getFindSubDirCount(), 4);
-    for (const __finddata64_t& entry : util.m_findData) {
-        EXPECT_NE(entry.attrib & _A_SUBDIR, 0u);
-    }
+    EXPECT_EQ(util.m_findData[1].attrib & _A_SUBDIR, unsigned(_A_SUBDIR));
     ASSERT_NE(util.getFindData(Text("deep")), nullptr);
     EXPECT_EQ(std::string(util.getFindData(Text("deep"))->name), tree.text("sub\\deep"));
-    EXPECT_EQ(processPath, util.getProcessPath());
-    // Without wildcards the last component names the one folder.
+    EXPECT_EQ(std::string(util.getProcessPath()), tree.text() + "\\");
     expectListed(util.folders(tree, "sub", false), {"sub"});
     EXPECT_TRUE(util.folders(tree, ".dot", false).empty());
 }
@@ -155,7 +142,6 @@ TEST(CzbFileUtilFind, RelativePathsAndSeparators) {
     util.FindFile(Text(tree.root().generic_string() + "/sub/deep/*.txt"), false);
     EXPECT_EQ(util.below(tree), Names{"sub\\deep\\d.txt"});
     EXPECT_EQ(std::string(util.getProcessPath()), tree.text("sub\\deep") + "\\");
-
     EXPECT_EQ(util.split("x/../y/*.c"), Splitter::Split(tree.text("sub\\y") + "\\", "*.c"));
     // A network path by address is kept as it stands.
     EXPECT_EQ(util.split("\\\\10.1.2.3\\share\\*.txt"),
@@ -178,8 +164,7 @@ TEST(CzbFileUtilFind, RecursionStepsAddToTheLists) {
     Splitter util;
     ASSERT_EQ(util.files(tree, "a.txt", false).size(), 1u);
     ASSERT_EQ(util.getFindSubDirCount(), 1);
-    // A step counts its folder whether or not it holds a match, appends what it finds below
-    // the entries already listed, and leaves the error of the last search alone.
+    // A step counts its folder, appends its finds and leaves the last search's error alone.
     util.FindFileSubDir(Text(tree.text("sub") + "\\"), Text("*.txt"));
     expectListed(util.below(tree), {"a.txt", "sub\\c.txt", "sub\\deep\\d.txt"});
     EXPECT_EQ(util.getFindSubDirCount(), 1 + 3); // sub, sub\deep, sub\empty
@@ -187,7 +172,6 @@ TEST(CzbFileUtilFind, RecursionStepsAddToTheLists) {
     util.FindFileSubDir(Text(tree.text("sub\\empty") + "\\"), Text("*.txt"));
     EXPECT_EQ(util.getFindData()->size(), 3u);
     EXPECT_EQ(util.getFindSubDirCount(), 5);
-
     util.clear();
     util.FindFolderSubDir(tree.text("sub\\").c_str(), "*");
     expectListed(util.below(tree), {"sub\\deep", "sub\\empty"});
@@ -207,23 +191,17 @@ TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
     buildTree(tree);
     tree.enter();
     Splitter util;
+    // A lone separator names a root here: no walk through the whole disk.
     for (const std::string& path : {tree.text("missing\\*.txt"), tree.text() + "\\", std::string(),
                                     std::string("\\"), std::string("/")}) {
-        // A lone separator names a root here: no walk through the whole disk.
-        util.FindFile(Text(path), path.size() > 1);
-        EXPECT_TRUE(util.m_findData.empty()) << path;
-        EXPECT_EQ(util.getLastError(), ENOENT) << path;
-        util.FindFolder(Text(path), false);
-        EXPECT_TRUE(util.m_findData.empty()) << path;
+        EXPECT_EQ(util.code(path, path.size() > 1) % 100 + util.m_findData.size(), 0u + ENOENT)
+            << path;
+        EXPECT_EQ(util.code(path, false, true) / 100, 0u) << path;
     }
-    util.FindFile(nullptr, true);
-    EXPECT_TRUE(util.m_findData.empty());
-    EXPECT_EQ(util.getLastError(), EINVAL);
-    util.FindFolder(nullptr, true);
-    EXPECT_EQ(util.getLastError(), EINVAL);
+    EXPECT_EQ((util.FindFile(nullptr, true), util.getLastError()), EINVAL);
+    EXPECT_EQ((util.FindFolder(nullptr, true), util.getLastError()), EINVAL);
     // A file where the folder should stand (the error number is the platform's).
-    EXPECT_TRUE(util.files(tree, "a.txt\\*", true).empty());
-    EXPECT_EQ(util.getFindSubDirCount(), 0);
+    EXPECT_EQ(util.code(tree.text("a.txt\\*"), true) / 100, 0u);
 #if !defined(_WIN32)
     EXPECT_EQ(util.getLastError(), ENOENT);
 #endif
@@ -242,16 +220,13 @@ TEST(CzbFileUtilFind, BadInputGivesEmptyLists) {
     const std::string longPath =
         std::string(200, 'f') + "\\" + std::string(200, 'g') + "\\" + std::string(200, 'h');
     for (const std::string& path : {longFolder, std::string(256, 'p'), longPath}) {
-        EXPECT_TRUE(util.files(tree, path, true).empty());
-        EXPECT_EQ(util.getFindSubDirCount(), 0);
-        EXPECT_EQ(util.getLastError(), ENAMETOOLONG);
+        EXPECT_EQ(util.code(tree.text(path), true), 0u + ENAMETOOLONG);
     }
 }
 
 TEST(CzbFileUtilFind, EntriesNearThePathLimits) {
     TempTree tree;
-    // A folder whose path with its closing backslash is 254 characters: a name of 5 characters
-    // makes a stored path of exactly 259, one of 6 passes the limit and is left out.
+    // A folder path of 254 with its backslash: names of 5 make 259 and fit, 6 are left out.
     const size_t rootLength = tree.text().size();
     ASSERT_LT(rootLength, 200u);
     const std::string folder(252 - rootLength, 'd');
@@ -263,16 +238,14 @@ TEST(CzbFileUtilFind, EntriesNearThePathLimits) {
     EXPECT_EQ(strlen(util.m_findData.at(0).name), 259u);
     EXPECT_EQ(util.getFindSubDirCount(), 1);
 #if !defined(_WIN32)
-    // Folders are entered up to a path of 511 characters with the closing backslash; what lies
-    // deeper is not walked. Nothing there fits a stored path, so the count tells.
+    // Folders are entered up to a path of 511 with the backslash; the count tells.
     const std::string ab = std::string(200, 'a') + "/" + std::string(200, 'b');
     const size_t rest = 511 - (rootLength + 1 + 5 + 201 + 201) - 1; // below root\deep\a...\b...\ .
     for (const std::string& last :
          {std::string(rest - 5, 'c'), std::string(rest, 'e'), std::string(rest + 1, 'f')}) {
         tree.dir("deep/" + ab + "/" + last + "/x");
     }
-    // The start (it lists a), a, a\b, a\b\c..., a\b\c...\x, a\b\e... (511 exactly); neither
-    // f... (512) nor e...\x is entered. Only a fits a stored path.
+    // Start, a, a\b, a\b\c, a\b\c\x, a\b\e (511); not f (512) nor e\x. Only a is stored.
     EXPECT_EQ(util.folders(tree, "deep\\*", true), Names{"deep\\" + std::string(200, 'a')});
     EXPECT_EQ(util.getFindSubDirCount(), 1 + 5);
 #endif
@@ -297,12 +270,10 @@ long long changed(const fs::path& path) {
 TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
     TempTree tree;
     // Names in upper-case byte order, ties by their bytes; a leading dot sorts first.
-    const std::vector<std::string> order = {".a.txt", "a-b.txt", "A.txt", "a.txt",  "a0.txt",
-                                            "b.txt",  "Z.txt",   "[.txt", "_u.txt", "\xc3\xa9.txt"};
-    std::vector<std::string> created = order;
-    std::reverse(created.begin(), created.end());
+    const Names order = {".a.txt", "a-b.txt", "A.txt", "a.txt",  "a0.txt",
+                         "b.txt",  "Z.txt",   "[.txt", "_u.txt", "\xc3\xa9.txt"};
     long long second = 1500000000;
-    for (const std::string& name : created) {
+    for (const std::string& name : Names(order.rbegin(), order.rend())) {
         tree.file(name, std::string(name.size(), 'x'));
         stamp(tree.path(name), second += 100);
     }
@@ -315,10 +286,9 @@ TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
     stamp(tree.path("to_sub.txt"), 1700000000);
     stamp(tree.path("to_b.txt"), 1700000100);
     stamp(tree.path("to_gone.txt"), 1700000200);
-
     CzbFileUtil util;
     util.FindFile(Text(tree.text("*.txt")), true);
-    std::vector<std::string> expected;
+    Names expected;
     for (const std::string& name : order) {
         expected.push_back(tree.text(name));
     }
@@ -328,58 +298,39 @@ TEST(CzbFileUtilFind, ListingOrderAndTheRecordsOfFilesFoldersAndLinks) {
     expected.push_back(tree.text("sub\\inner.txt"));
     EXPECT_EQ(fstest::names(util.m_findData), expected);
     EXPECT_EQ(util.getFindSubDirCount(), 2);
-
-    // Records: attributes, size, written and created (the time of the last change). Links give
-    // the record of the target; of a folder with size 0; of the link itself if there is no
-    // target. None has the folder bit, none is entered.
-    struct {
-        const char* name;
-        unsigned attrib;
-        long long size, written;
-    } records[] = {
-        {"a.txt", 0x20u, 5, 1500000000 + 100 * 7 + 1},
-        {"b.txt", 0x21u, 5, 1500000000 + 100 * 5 + 1}, // the owner may not write
-        {"to_b.txt", 0x21u, 5, 1500000000 + 100 * 5 + 1},
-        {"to_sub.txt", 0x20u, 0, 1600000001},
-        {"to_gone.txt", 0x20u, static_cast<long long>(tree.path("gone").string().size()),
-         1700000201},
+    // Links give the target's record (a folder's with size 0), or their own if dangling.
+    auto record = [&](const char* name) { // attributes, size, written, written - accessed
+        const __finddata64_t* e = util.getFindData(Text(name));
+        return e ? std::to_string(e->attrib) + " " + std::to_string(e->size) + " " +
+                       std::to_string(e->time_write) + " " +
+                       std::to_string(e->time_write - e->time_access)
+                 : "none";
     };
-    for (const auto& r : records) {
-        __finddata64_t* entry = util.getFindData(Text(r.name));
-        ASSERT_NE(entry, nullptr) << r.name;
-        EXPECT_EQ(entry->attrib, r.attrib) << r.name;
-        EXPECT_EQ(entry->size, r.size) << r.name;
-        EXPECT_EQ(entry->time_write, r.written) << r.name;
-        EXPECT_EQ(entry->time_access + 1, entry->time_write) << r.name;
-    }
+    EXPECT_EQ(record("a.txt"), "32 5 1500000701 1");
+    EXPECT_EQ(record("b.txt"), "33 5 1500000501 1"); // the owner may not write
+    EXPECT_EQ(record("to_b.txt"), "33 5 1500000501 1");
+    EXPECT_EQ(record("to_sub.txt"), "32 0 1600000001 1");
+    EXPECT_EQ(record("to_gone.txt"),
+              "32 " + std::to_string(tree.path("gone").string().size()) + " 1700000201 1");
     EXPECT_EQ(util.getFindData(Text("a.txt"))->time_create, changed(tree.path("a.txt")));
-
     // Folders: the folder bit, size 0, their own times; read-only ones carry 0x01.
     tree.dir("ro");
     stamp(tree.path("ro"), 1650000000);
     chmod(tree.path("ro").c_str(), 0555);
     util.FindFolder(Text(tree.text("*")), false);
-    EXPECT_EQ(fstest::names(util.m_findData),
-              (std::vector<std::string>{tree.text("ro"), tree.text("sub")}));
-    EXPECT_EQ(util.m_findData[0].attrib, 0x11u);
-    EXPECT_EQ(util.m_findData[0].size, 0);
-    EXPECT_EQ(util.m_findData[0].time_write, 1650000001);
-    EXPECT_EQ(util.m_findData[1].attrib, 0x10u);
+    ASSERT_EQ(fstest::names(util.m_findData), (Names{tree.text("ro"), tree.text("sub")}));
+    EXPECT_EQ(util.m_findData[0].attrib * 100 + util.m_findData[1].attrib, 0x11u * 100 + 0x10u);
+    EXPECT_EQ(util.m_findData[0].size + util.m_findData[0].time_write, 1650000001);
     chmod(tree.path("ro").c_str(), 0755);
-
     // Devices are plain entries of size 0.
     util.FindFile(Text("\\dev\\null"), false);
-    ASSERT_EQ(fstest::names(util.m_findData), std::vector<std::string>{"\\dev\\null"});
-    EXPECT_EQ(util.m_findData[0].attrib, 0x20u);
-    EXPECT_EQ(util.m_findData[0].size, 0);
-
+    ASSERT_EQ(fstest::names(util.m_findData), Names{"\\dev\\null"});
+    EXPECT_EQ(util.m_findData[0].attrib + util.m_findData[0].size, 0x20u);
     // A folder of many entries (several reads of the folder) comes out whole and in order.
     Names many;
     for (int i = 0; i < 3000; ++i) {
         many.push_back(tree.text("many\\F" + std::to_string(10000 + i) + std::string(50, 'x')));
-    }
-    for (auto it = many.rbegin(); it != many.rend(); ++it) {
-        tree.file("many/" + it->substr(tree.text("many").size() + 1), "");
+        tree.file("many/" + many.back().substr(tree.text("many").size() + 1), "");
     }
     util.FindFile(Text(tree.text("many\\*")), false);
     EXPECT_EQ(fstest::names(util.m_findData), many);
@@ -398,9 +349,11 @@ TEST(CzbFileUtilFind, AFolderThatCannotBeReadEndsNothing) {
     int rc = zbtest::asUnprivileged([&] {
         CzbFileUtil util;
         util.FindFile(Text(all), true);
-        int failures = util.getFindData()->size() == 2 ? 0 : 1;
-        failures |= util.getFindSubDirCount() == 3 ? 0 : 2; // the locked folder counts
-        failures |= util.getLastError() == ENOENT ? 0 : 4;
+        // The locked folder counts as entered.
+        int failures = util.getFindData()->size() == 2 && util.getFindSubDirCount() == 3 &&
+                               util.getLastError() == ENOENT
+                           ? 0
+                           : 1;
         util.FindFile(Text(locked), false);
         failures |= util.getFindData()->empty() && util.getLastError() == EACCES ? 0 : 8;
         util.FindFolder(Text(tree.text("a\\*")), true);
@@ -416,34 +369,25 @@ TEST(CzbFileUtilFind, ACurrentFolderThatCannotBeNamed) {
     tree.file("a.txt");
     const std::string ab = std::string(200, 'a') + "/" + std::string(200, 'b');
     tree.file(ab + "/" + std::string(200, 'c') + "/x.txt");
-    CzbFileUtil util;
-    // Entries found × 1000 + folders entered × 100 + the error number.
-    auto search = [&](const std::string& path, bool subDir, bool folders = false) {
-        folders ? util.FindFolder(Text(path), subDir) : util.FindFile(Text(path), subDir);
-        return util.getFindData()->size() * 1000 + util.getFindSubDirCount() * 100 +
-               util.getLastError();
-    };
-    // A current folder of more than 511 characters: a relative search finds nothing (its
-    // folder would pass the limit), an absolute one is not affected.
+    Splitter util;
+    // A current folder over 511: a relative search finds nothing, an absolute one is as ever.
     tree.enter(ab + "/" + std::string(200, 'c'));
-    EXPECT_EQ(search("*.txt", true), 0u + ENAMETOOLONG);
-    EXPECT_EQ(search(tree.text("*.txt"), false), 1100u + ENOENT);
+    EXPECT_EQ(util.code("*.txt", true), 0u + ENAMETOOLONG);
+    EXPECT_EQ(util.code(tree.text("*.txt"), false), 1100u + ENOENT);
     // The current folder fits, but not with the relative folder behind it.
     tree.enter(ab);
-    EXPECT_EQ(search(std::string(100, 'c') + "\\*.txt", false), 0u + ENAMETOOLONG);
-    EXPECT_EQ(search(std::string(10, 'c') + "\\*.txt", false), 0u + ENOENT);
-    // A directory part of 256 or 257 characters (255 after a drive on Windows) is refused
-    // whole rather than cut.
-    EXPECT_EQ(search("/" + std::string(253, 'd') + "/*.txt", false), 0u + ENOENT);
-    EXPECT_EQ(search("/" + std::string(254, 'd') + "/*.txt", false), 0u + ENAMETOOLONG);
-    EXPECT_EQ(search("/" + std::string(255, 'd') + "/*.txt", false), 0u + ENAMETOOLONG);
-    // A current folder that was removed has no name: nothing is found, for the reason the
-    // system gives.
+    EXPECT_EQ(util.code(std::string(100, 'c') + "\\*.txt", false), 0u + ENAMETOOLONG);
+    EXPECT_EQ(util.code(std::string(10, 'c') + "\\*.txt", false), 0u + ENOENT);
+    // A directory part of 256 or 257 (255 after a drive on Windows) is refused, not cut.
+    EXPECT_EQ(util.code("/" + std::string(253, 'd') + "/*.txt", false), 0u + ENOENT);
+    EXPECT_EQ(util.code("/" + std::string(254, 'd') + "/*.txt", false), 0u + ENAMETOOLONG);
+    EXPECT_EQ(util.code("/" + std::string(255, 'd') + "/*.txt", false), 0u + ENAMETOOLONG);
+    // A removed current folder has no name: nothing is found, for the system's reason.
     tree.dir("gone");
     tree.enter("gone");
     fs::remove(tree.path("gone"));
-    EXPECT_EQ(search("*.txt", true), 0u + ENOENT);
-    EXPECT_EQ(search("*", true, true), 0u + ENOENT);
+    EXPECT_EQ(util.code("*.txt", true), 0u + ENOENT);
+    EXPECT_EQ(util.code("*", true, true), 0u + ENOENT);
 }
 
 TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
@@ -459,9 +403,7 @@ TEST(CzbFileUtilFind, AWalkOutOfDescriptorsGoesOnByPath) {
     const Names whole = fstest::names(util.m_findData);
     ASSERT_EQ(whole.size(), 48u);
     ASSERT_EQ(util.getFindSubDirCount(), 48);
-    // Two free descriptors: the walk cannot hold one per level. The limit caps the numbers of
-    // new descriptors, so it is counted from the lowest free one; that one is free again after
-    // the walk when every folder was closed.
+    // Two free descriptors (counted from the lowest free one, free again if all were closed).
     const int lowest = open("/dev/null", O_RDONLY | O_CLOEXEC);
     close(lowest);
     struct rlimit saved;

@@ -54,7 +54,6 @@ TEST(CzbFileUtilPath, ResultsAtAGlance) {
         std::vector<char> path(row.path, row.path + std::strlen(row.path) + 1);
         char* begin = path.data();
         char* end = begin + std::strlen(begin);
-
         char* ext = CzbFileUtil::getFileExt(begin);
         char* name = CzbFileUtil::getFileName(begin);
         char* last = CzbFileUtil::getLastPath(begin);

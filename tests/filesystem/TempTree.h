@@ -76,7 +76,6 @@ public:
     }
     TempTree(const TempTree&) = delete;
     TempTree& operator=(const TempTree&) = delete;
-
     const fs::path& root() const { return m_root; }
     fs::path path(const std::string& relative) const { return m_root / relative; }
     // The library's text for a path below the root.

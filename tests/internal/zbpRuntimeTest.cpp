@@ -1,6 +1,5 @@
-// The runtime functions of the platform layer: numbers from text, time, the current folder and
-// the program's path, streams and descriptors, case of text. Each behaves as the Windows
-// runtime does, and fails with a result instead of ending the process on bad arguments.
+// The runtime functions of the platform layer, each as the Windows runtime behaves (bad
+// arguments: tests/fault/HostInputFaultTest.cpp).
 #include <zbBase/platform/detail/zbpClock.h>
 #include <zbBase/platform/detail/zbpFileIO.h>
 #include <zbBase/platform/detail/zbpNumber.h>
@@ -15,10 +14,6 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
-
-#if !defined(_WIN32)
-#include <unistd.h>
-#endif
 
 namespace fs = std::filesystem;
 
@@ -64,82 +59,69 @@ TEST(zbpClock, CalendarTime) {
     const __time64_t now = zbp::_time64(&stored);
     EXPECT_EQ(stored, now);
     EXPECT_GT(now, 1600000000); // after September 2020
-    struct tm* local = zbp::_localtime64(&now);
-    ASSERT_NE(local, nullptr);
-    EXPECT_GE(local->tm_year + 1900, 2020);
+    ASSERT_NE(zbp::_localtime64(&now), nullptr);
+    EXPECT_GE(zbp::_localtime64(&now)->tm_year, 120);
 #if !defined(_WIN32)
-    // No time before 1970 and no missing argument: null, as the runtime answers.
-    const __time64_t before = -1;
-    EXPECT_EQ(zbp::_localtime64(&before), nullptr);
-    EXPECT_EQ(zbp::_localtime64(nullptr), nullptr);
-    const __time64_t farAhead = 100000000000000000; // a year beyond the range of int
-    EXPECT_EQ(zbp::_localtime64(&farAhead), nullptr);
+    // Before 1970, a year beyond int and no argument: null, as the runtime answers.
+    const __time64_t before = -1, farAhead = 100000000000000000;
+    EXPECT_TRUE(!zbp::_localtime64(&before) && !zbp::_localtime64(&farAhead) &&
+                !zbp::_localtime64(nullptr));
 #endif
 }
 
 TEST(zbpPath, CurrentFolderAndProgramPath) {
     const std::string cwd = zbp::toLibraryPath(fs::current_path().string());
     // Too small a buffer: the size needed, terminator included, and nothing written.
-    EXPECT_EQ(zbp::GetCurrentDirectoryA(0, nullptr), cwd.size() + 1);
     std::string small(cwd.size(), 'x');
+    EXPECT_EQ(zbp::GetCurrentDirectoryA(0, nullptr), cwd.size() + 1);
     EXPECT_EQ(zbp::GetCurrentDirectoryA(static_cast<DWORD>(small.size()), &small[0]),
               cwd.size() + 1);
     EXPECT_EQ(small, std::string(cwd.size(), 'x'));
     char buffer[4096];
     EXPECT_EQ(zbp::GetCurrentDirectoryA(sizeof buffer, buffer), cwd.size());
     EXPECT_EQ(std::string(buffer), cwd);
-    EXPECT_EQ(std::string(buffer).find('/'), std::string::npos);
-
     EXPECT_GT(zbp::GetModuleFileNameA(nullptr, buffer, sizeof buffer), 0u);
-    EXPECT_NE(std::string(buffer).find("zbBase_tests_internal"), std::string::npos);
-    EXPECT_EQ(std::string(buffer).find('/'), std::string::npos);
-#if !defined(_WIN32)
     const std::string whole = buffer;
+    EXPECT_NE(whole.find("zbBase_tests_internal"), std::string::npos);
+    EXPECT_EQ(whole.find('/'), std::string::npos);
+    EXPECT_EQ(zbp::toNativePath(nullptr), "");
+#if !defined(_WIN32)
     char cut[8];
     EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, cut, sizeof cut), 7u);
     EXPECT_EQ(std::string(cut), whole.substr(0, 7));
-    EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, nullptr, 10), 0u);
-    EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, cut, 0), 0u);
-
+    EXPECT_EQ(zbp::GetModuleFileNameA(nullptr, nullptr, 10) +
+                  zbp::GetModuleFileNameA(nullptr, cut, 0),
+              0u);
     // A current folder that was removed has no name: 0.
     zbtest::TempFolder folder;
-    const fs::path gone = folder.path() / "gone";
-    fs::create_directory(gone);
+    fs::create_directory(folder.path() / "gone");
     const fs::path saved = fs::current_path();
-    fs::current_path(gone);
-    fs::remove(gone);
+    fs::current_path(folder.path() / "gone");
+    fs::remove(folder.path() / "gone");
     const DWORD n = zbp::GetCurrentDirectoryA(sizeof buffer, buffer);
     fs::current_path(saved);
     EXPECT_EQ(n, 0u);
 #endif
-    EXPECT_EQ(zbp::toNativePath(nullptr), "");
 }
 
 TEST(zbpFileIO, StreamsAndDescriptors) {
     zbtest::TempFolder folder;
     const std::string name = folder.file("data.txt");
     zbtest::writeBytes(name, "abc");
-    // "t" is taken on every platform.
-    FILE* file = zbp::fopen(name.c_str(), "rt");
+    FILE* file = zbp::fopen(name.c_str(), "rt"); // "t" is taken on every platform
     ASSERT_NE(file, nullptr);
     char bytes[16] = {};
     EXPECT_EQ(fread(bytes, 1, sizeof bytes, file), 3u);
-    EXPECT_STREQ(bytes, "abc");
     fclose(file);
     FILE* stream = stdin; // overwritten by every call below
     EXPECT_EQ(zbp::fopen_s(&stream, folder.file("missing").c_str(), "rb"), ENOENT);
     EXPECT_EQ(stream, nullptr);
-    EXPECT_EQ(zbp::fopen_s(&stream, name.c_str(), nullptr), EINVAL);
-    EXPECT_EQ(stream, nullptr);
     ASSERT_EQ(zbp::fopen_s(&stream, name.c_str(), "rb"), 0);
-    memset(bytes, 0, sizeof bytes);
-    EXPECT_EQ(zbp::_read(zbp::_fileno(stream), bytes, sizeof bytes), 3);
-    EXPECT_STREQ(bytes, "abc");
+    EXPECT_EQ(zbp::_read(zbp::_fileno(stream), nullptr, 4), -1);
+    EXPECT_EQ(zbp::_read(zbp::_fileno(stream), bytes + 3, sizeof bytes - 3), 3);
     EXPECT_EQ(zbp::_read(zbp::_fileno(stream), bytes, sizeof bytes), 0);
+    EXPECT_EQ(std::string(bytes, 6), "abcabc");
     fclose(stream);
-#if !defined(_WIN32)
-    EXPECT_EQ(zbp::_fileno(nullptr), -1);
-#endif
 #if defined(ZBP_OWN_FREAD_S)
     // A read that cannot fit the buffer reads nothing, not even the part that would fit.
     ASSERT_EQ(zbp::fopen_s(&stream, name.c_str(), "rb"), 0);
@@ -163,7 +145,6 @@ TEST(zbpFileIO, StreamsAndDescriptors) {
 #endif
 }
 
-// File lengths are 64 bits wide on every platform.
 TEST(zbpFileIO, LengthsOfSixtyFourBits) {
     zbtest::TempFolder folder;
     const std::string name = folder.file("sparse.bin");
