@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <mutex>
@@ -38,11 +39,9 @@ public:
         return m_entries;
     }
     int count(int message) {
-        int n = 0;
-        for (const Entry& e : entries()) {
-            n += e.message == message ? 1 : 0;
-        }
-        return n;
+        const std::vector<Entry> e = entries();
+        return int(std::count_if(e.begin(), e.end(),
+                                 [&](const Entry& x) { return x.message == message; }));
     }
     void clear() {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -59,7 +58,7 @@ void sleepMs(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
-// Polls for up to 20 s, so that a slow or instrumented run never fails on time alone.
+// Polls for up to 20 s: a slow or instrumented run never fails on time alone.
 template <class Pred> bool waitFor(Pred pred) {
     for (int i = 0; i < 4000 && !pred(); ++i) {
         sleepMs(5);
