@@ -16,8 +16,7 @@ namespace {
 
 // Messages with whether they came on the thread that made the recorder. Given the clock, it
 // reads the time inside the end message, as a host that logs its final time does.
-class Recorder {
-public:
+struct Recorder {
     struct Entry {
         int message;
         bool onHostThread;
@@ -28,30 +27,29 @@ public:
             self->playingAtEnd = self->clock->GetPlayMode() == CzbTimeManager::Play;
             self->timeAtEnd = self->clock->GetTime(0);
         }
-        std::lock_guard<std::mutex> lock(self->m_mutex);
-        self->m_entries.push_back({message, std::this_thread::get_id() == self->m_host});
+        std::lock_guard<std::mutex> lock(self->mutex);
+        self->all.push_back({message, std::this_thread::get_id() == self->host});
     }
-    CzbTimeManagerAdv* clock = nullptr;
-    std::atomic<bool> playingAtEnd{false};
-    std::atomic<double> timeAtEnd{0.0};
     std::vector<Entry> entries() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_entries;
+        std::lock_guard<std::mutex> lock(mutex);
+        return all;
     }
     int count(int message) {
         const std::vector<Entry> e = entries();
-        return int(std::count_if(e.begin(), e.end(),
-                                 [&](const Entry& x) { return x.message == message; }));
+        return int(
+            std::count_if(e.begin(), e.end(), [&](Entry x) { return x.message == message; }));
     }
     void clear() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_entries.clear();
+        std::lock_guard<std::mutex> lock(mutex);
+        all.clear();
     }
 
-private:
-    std::mutex m_mutex;
-    std::vector<Entry> m_entries;
-    std::thread::id m_host = std::this_thread::get_id();
+    CzbTimeManagerAdv* clock = nullptr;
+    std::atomic<bool> playingAtEnd{false};
+    std::atomic<double> timeAtEnd{0.0};
+    std::mutex mutex;
+    std::vector<Entry> all;
+    const std::thread::id host = std::this_thread::get_id();
 };
 
 void sleepMs(int ms) {
