@@ -151,18 +151,15 @@ TEST(CzbTrajcetoryModel, TurnLimit) {
 TEST(CzbTrajcetoryModel, OwnHeadingRule) {
     Model m;
     // Every offset with y = -x counts as none.
-    const double headings[][3] = {{5, -5, 0},
-                                  {-5, 5, 0},
-                                  {0, 0, 0},
-                                  {1, 0, 90},
-                                  {0, -1, 180},
-                                  {-1, 0, 270},
-                                  {1, -2, 180.0 - 26.56505117707799}};
+    const double half = 26.56505117707799; // atan(1/2) in degrees
+    const double headings[][3] = {{5, -5, 0},           {-5, 5, 0},   {0, 0, 0},
+                                  {1, 0, 90},           {0, -1, 180}, {-1, 0, 270},
+                                  {1, -2, 180.0 - half}};
     for (const auto& h : headings) {
         EXPECT_DOUBLE_EQ(m.getHeading(h[0], h[1]), h[2]) << h[0] << " " << h[1];
     }
     // {dy, dz, pitch}: the same place and 45 degrees below both give 90.
-    const double pitches[][3] = {{0, 0, 90}, {1, -1, 90}, {1, 1, 45}, {2, -1, -26.56505117707799}};
+    const double pitches[][3] = {{0, 0, 90}, {1, -1, 90}, {1, 1, 45}, {2, -1, -half}};
     for (const auto& p : pitches) {
         double h = -1, pitch = -1;
         m.getAngle3d(0, 0, 0, 0, p[0], p[1], &h, &pitch);
