@@ -1,9 +1,9 @@
 // Hostile numbers: every calculation ends soon and keeps its memory bounded, whatever it is
 // given. ctest holds these cases to deadlines of their own (cmake/FaultDeadlines.cmake).
+#include "support/zbInterpolationSamples.h"
 #include "support/zbMemoryLimit.h"
 
 #include <zbBase/numeric/CzbDE.h>
-#include <zbBase/numeric/CzbInterpolation.h>
 #include <zbBase/numeric/detail/zbMissileRun.h>
 
 #include <gtest/gtest.h>
@@ -17,10 +17,7 @@ namespace {
 const int kMaxSamples = 1 << 24;
 
 CzbInterpolation line(double x0, double x1) {
-    CzbInterpolation curve;
-    curve.AddPoint(x0, x0);
-    curve.AddPoint(x1, x1);
-    return curve;
+    return zbtest::curve({{x0, x0}, {x1, x1}});
 }
 
 } // namespace

@@ -1,7 +1,5 @@
-// A system that refuses to start one more thread: a clock whose player cannot start is a
-// plain clock without ticks or end test, and its destruction does not wait for a player that
-// never ran. The test program puts its own pthread_create in front of the system's; while a
-// ThreadsRefused is in scope it fails as a system at its thread limit does. POSIX only.
+// A clock whose player thread cannot start (this program's pthread_create fails as at the
+// system's thread limit while s_refuseThreads is set) is a plain clock. POSIX only.
 #if !defined(_WIN32)
 
 #include <zbBase/simulation/CzbTimeManagerAdv.h>
@@ -19,14 +17,10 @@
 namespace {
 
 std::atomic<bool> s_refuseThreads{false};
-
-class ThreadsRefused {
-public:
-    ThreadsRefused() { s_refuseThreads = true; }
-    ~ThreadsRefused() { s_refuseThreads = false; }
-    ThreadsRefused(const ThreadsRefused&) = delete;
-    ThreadsRefused& operator=(const ThreadsRefused&) = delete;
-};
+std::vector<int> s_messages;
+void record(int message, void*) {
+    s_messages.push_back(message);
+}
 
 } // namespace
 
@@ -42,20 +36,13 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attr, voi
 
 using zbBase::CzbTimeManagerAdv;
 
-namespace {
-std::vector<int> s_messages;
-void record(int message, void*) {
-    s_messages.push_back(message);
-}
-} // namespace
-
 TEST(SimulationFault, ClockWithoutItsPlayerIsAPlainClock) {
     const auto start = std::chrono::steady_clock::now();
     {
-        ThreadsRefused refused;
+        s_refuseThreads = true;
+        s_messages.clear();
         CzbTimeManagerAdv clock;
         EXPECT_EQ(clock.m_threadState, 0);
-        s_messages.clear();
         clock.setMsgCallbackFunc(record, nullptr);
         clock.m_endTime = 0.001;
         clock.SetPlay();
@@ -66,6 +53,7 @@ TEST(SimulationFault, ClockWithoutItsPlayerIsAPlainClock) {
         EXPECT_EQ(s_messages, std::vector<int>{0});
         EXPECT_EQ(clock.m_threadState, 0);
     }
+    s_refuseThreads = false;
     // Destruction did not wait for a player that never ran.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 

@@ -1,34 +1,15 @@
-#include <zbBase/numeric/CzbInterpolation.h>
+#include "support/zbInterpolationSamples.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-#include <vector>
 
 using zbBase::CzbInterpolation;
 
-namespace {
-
-using Samples = std::vector<std::pair<double, double>>;
-
-Samples results(CzbInterpolation& c) {
-    Samples s;
-    for (int i = 0; i < c.GetDataNum(); ++i) {
-        s.push_back({c.GetData(i).x, c.GetData(i).y});
-    }
-    return s;
-}
-
-CzbInterpolation curve(const Samples& points) {
-    CzbInterpolation c;
-    for (const auto& p : points) {
-        c.AddPoint(p.first, p.second);
-    }
-    return c;
-}
-
-} // namespace
+using zbtest::curve;
+using zbtest::results;
+using zbtest::Samples;
 
 TEST(CzbInterpolation, ControlPointsStaySorted) {
     CzbInterpolation c;

@@ -53,7 +53,7 @@ TEST(CzbMath, SegmentCrossing) {
     for (const auto& c : apart) {
         EXPECT_FALSE(
             m.GetIntersectPoint({c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}, &out))
-            << c[0] << " " << c[1] << " " << c[2] << " " << c[3];
+            << "case " << &c - apart;
     }
     EXPECT_EQ(out.x, -7.0);
     EXPECT_EQ(out.y, -7.0);
@@ -101,7 +101,6 @@ TEST(CzbMath, PointOnLine) {
     for (const auto& c : cases) {
         EXPECT_EQ(m.GetLineOnPoint({c[0], c[1], c[2]}, {c[3], c[4], c[5]}, {c[6], c[7], c[8]}),
                   c[9] != 0)
-            << c[0] << "," << c[1] << "," << c[2] << " on " << c[3] << "," << c[4] << "," << c[5]
-            << " - " << c[6] << "," << c[7] << "," << c[8];
+            << "case " << &c - cases;
     }
 }

@@ -11,64 +11,39 @@ namespace {
 template <class V> bool is(const V& v, double x, double y, double z) {
     return v.x == x && v.y == y && v.z == z;
 }
-} // namespace
 
-TEST(Vectors, MinusChangesLeftOperandOnlyOnThreeComponentTypes) {
-    zbVector3d a(5, 7, 9), b(1, 2, 3);
+// On both three-component types minus changes its left operand, plus neither.
+template <class V> void threeComponentOperators() {
+    V a(5, 7, 9), b(1, 2, 3), ex(1, 0, 0), ey(0, 1, 0), zero;
     EXPECT_TRUE(is(a - b, 4, 5, 6));
     EXPECT_TRUE(is(a, 4, 5, 6));
-    EXPECT_TRUE(is(b, 1, 2, 3));
-    qwVector3f af(5, 7, 9), bf(1, 2, 3);
-    EXPECT_TRUE(is(af - bf, 4, 5, 6));
-    EXPECT_TRUE(is(af, 4, 5, 6));
+    EXPECT_TRUE(is(a + b, 5, 7, 9));
+    EXPECT_TRUE(is(a, 4, 5, 6) && is(b, 1, 2, 3));
+    EXPECT_TRUE(is(ex * ey, 0, 0, 1)); // cross product, operands unchanged
+    EXPECT_TRUE(is(ex, 1, 0, 0) && is(ey, 0, 1, 0));
+    V v(3, 4, 12);
+    EXPECT_EQ(v.Mag(), 5);
+    EXPECT_EQ(v.getLength(), 13);
+    zero.Normalize();
+    EXPECT_TRUE(is(zero, 0, 0, 0));
+}
+} // namespace
+
+TEST(Vectors, OperatorsLengthsAndNormalize) {
+    threeComponentOperators<zbVector3d>();
+    threeComponentOperators<qwVector3f>();
     zbVector2d a2(5, 7), b2(1, 2);
-    zbVector2d c2 = a2 - b2;
-    EXPECT_EQ(c2.x, 4.0);
-    EXPECT_EQ(a2.x, 5.0);
+    EXPECT_EQ((a2 - b2).x, 4.0);
+    EXPECT_EQ((a2 + b2).y, 9.0);
+    EXPECT_TRUE(a2.x == 5.0 && b2.y == 2.0);
     const qwPoint p(5, 7), q(1, 2);
     EXPECT_TRUE((p - q).Equals(qwPoint(4, 5)));
     EXPECT_EQ(p.x, 5);
-
-    // Plus changes neither operand on any of the four.
-    EXPECT_TRUE(is(zbVector3d(1, 1, 1) + b, 2, 3, 4));
-    EXPECT_TRUE(is(b, 1, 2, 3));
-    zbVector2d s2 = a2 + b2;
-    EXPECT_EQ(s2.x, 6.0);
-    EXPECT_EQ(s2.y, 9.0);
-    EXPECT_EQ(a2.x, 5.0);
-    EXPECT_EQ(b2.y, 2.0);
-    EXPECT_TRUE(is(af + bf, 5, 7, 9));
-    EXPECT_TRUE(is(af, 4, 5, 6));
-    EXPECT_TRUE(is(bf, 1, 2, 3));
-
     zbVector3d u(1, 1, 1);
     u += zbVector3d(1, 2, 3);
     u -= zbVector3d(0, 0, 1);
     EXPECT_TRUE(is(u, 2, 3, 3));
-}
-
-TEST(Vectors, LengthsDotCrossAndNormalize) {
-    zbVector3d v(3, 4, 12);
-    EXPECT_EQ(v.Mag(), 5.0);
-    EXPECT_EQ(v.getLength(), 13.0);
-    qwVector3f vf(3, 4, 12);
-    EXPECT_EQ(vf.Mag(), 5.0f);
-    EXPECT_EQ(vf.getLength(), 13.0f);
-
-    zbVector3d ex(1, 0, 0), ey(0, 1, 0);
-    EXPECT_TRUE(is(ex * ey, 0, 0, 1));
-    EXPECT_TRUE(is(ex, 1, 0, 0));
-    EXPECT_TRUE(is(ey, 0, 1, 0));
-    qwVector3f fx(1, 0, 0), fy(0, 1, 0);
-    EXPECT_TRUE(is(fx * fy, 0, 0, 1));
     EXPECT_EQ(zbVector3d(1, 2, 3).Dot(zbVector3d(4, 5, 6)), 32.0);
-
-    zbVector3d zero;
-    zero.Normalize();
-    EXPECT_TRUE(is(zero, 0, 0, 0));
-    qwVector3f zerof;
-    zerof.Normalize();
-    EXPECT_TRUE(is(zerof, 0, 0, 0));
     zbVector3d n(0, 3, 4);
     n.Normalize();
     EXPECT_DOUBLE_EQ(n.y, 0.6);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <mutex>
@@ -15,8 +16,7 @@ namespace {
 
 // Messages with whether they came on the thread that made the recorder. Given the clock, it
 // reads the time inside the end message, as a host that logs its final time does.
-class Recorder {
-public:
+struct Recorder {
     struct Entry {
         int message;
         bool onHostThread;
@@ -27,39 +27,36 @@ public:
             self->playingAtEnd = self->clock->GetPlayMode() == CzbTimeManager::Play;
             self->timeAtEnd = self->clock->GetTime(0);
         }
-        std::lock_guard<std::mutex> lock(self->m_mutex);
-        self->m_entries.push_back({message, std::this_thread::get_id() == self->m_host});
+        std::lock_guard<std::mutex> lock(self->mutex);
+        self->all.push_back({message, std::this_thread::get_id() == self->host});
     }
+    std::vector<Entry> entries() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return all;
+    }
+    int count(int message) {
+        const std::vector<Entry> e = entries();
+        return int(
+            std::count_if(e.begin(), e.end(), [&](Entry x) { return x.message == message; }));
+    }
+    void clear() {
+        std::lock_guard<std::mutex> lock(mutex);
+        all.clear();
+    }
+
     CzbTimeManagerAdv* clock = nullptr;
     std::atomic<bool> playingAtEnd{false};
     std::atomic<double> timeAtEnd{0.0};
-    std::vector<Entry> entries() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_entries;
-    }
-    int count(int message) {
-        int n = 0;
-        for (const Entry& e : entries()) {
-            n += e.message == message ? 1 : 0;
-        }
-        return n;
-    }
-    void clear() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_entries.clear();
-    }
-
-private:
-    std::mutex m_mutex;
-    std::vector<Entry> m_entries;
-    std::thread::id m_host = std::this_thread::get_id();
+    std::mutex mutex;
+    std::vector<Entry> all;
+    const std::thread::id host = std::this_thread::get_id();
 };
 
 void sleepMs(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
-// Polls for up to 20 s, so that a slow or instrumented run never fails on time alone.
+// Polls for up to 20 s: a slow or instrumented run never fails on time alone.
 template <class Pred> bool waitFor(Pred pred) {
     for (int i = 0; i < 4000 && !pred(); ++i) {
         sleepMs(5);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using zbBase::CzbTrajcetoryModel;
 
 namespace {
@@ -32,20 +34,16 @@ TEST(CzbTrajcetoryModel, StraightRunEndsOneStepShort) {
     m.setCurrentByWaypoint(1); // the last point cannot be a start
     EXPECT_EQ(m.m_currentIndex, -1);
     m.setCurrentByWaypoint(0);
-    EXPECT_EQ(m.m_attitude.x, 0.0);
-    EXPECT_EQ(m.m_attitude.y, 0.0);
-    EXPECT_EQ(m.m_speed, 10.0);
-    EXPECT_EQ(m.m_acceleration, 0.0);
-    EXPECT_EQ(m.m_currentIndex, 1);
+    EXPECT_EQ(std::make_tuple(m.m_attitude.x, m.m_attitude.y, m.m_speed, m.m_acceleration,
+                              m.m_currentIndex),
+              std::make_tuple(0.0, 0.0, 10.0, 0.0, 1));
     for (int i = 1; i <= 8; ++i) {
         ASSERT_EQ(m.calculate(1.0f), 1);
-        EXPECT_EQ(m.m_position.y, 10.0 * i);
-        EXPECT_EQ(m.m_currentIndex, 1);
+        EXPECT_EQ(std::make_tuple(m.m_position.y, m.m_currentIndex), std::make_tuple(10.0 * i, 1));
     }
     EXPECT_EQ(m.calculate(1.0f), 1); // 10 remain: no more than the step
-    EXPECT_EQ(m.m_position.x, 0.0);
-    EXPECT_EQ(m.m_position.y, 90.0);
-    EXPECT_EQ(m.m_currentIndex, -1);
+    EXPECT_EQ(std::make_tuple(m.m_position.x, m.m_position.y, m.m_currentIndex),
+              std::make_tuple(0.0, 90.0, -1));
     EXPECT_EQ(m.calculate(1.0f), 2);
     EXPECT_EQ(m.m_position.y, 90.0);
 
@@ -108,8 +106,7 @@ TEST(CzbTrajcetoryModel, TurnLimit) {
     ASSERT_EQ(m.calculate(1.0f), 1);
     EXPECT_DOUBLE_EQ(m.m_attitude.x, 30.0);
     EXPECT_DOUBLE_EQ(m.m_turnRate.x, 30.0);
-    EXPECT_EQ(m.m_turnRate.z, 0.0);
-    EXPECT_EQ(m.m_attitude.z, 0.0); // the roll is not limited
+    EXPECT_EQ(std::make_pair(m.m_turnRate.z, m.m_attitude.z), std::make_pair(0.0, 0.0)); // roll
     m.calculate(1.0f);
     m.calculate(1.0f);
     EXPECT_DOUBLE_EQ(m.m_attitude.x, 90.0);
@@ -136,10 +133,9 @@ TEST(CzbTrajcetoryModel, TurnLimit) {
     Model still = toward(100, 0, 0, 5); // no time: no move, no turn, a rate of 0, not NaN
     still.m_speed = 5.0;
     EXPECT_EQ(still.calculate(0.0f), 1);
-    EXPECT_EQ(still.m_turnRate.x, 0.0);
-    EXPECT_EQ(still.m_turnRate.y, 0.0);
-    EXPECT_EQ(still.m_attitude.x, 0.0);
-    EXPECT_EQ(still.m_position.x, 0.0);
+    EXPECT_EQ(std::make_tuple(still.m_turnRate.x, still.m_turnRate.y, still.m_attitude.x,
+                              still.m_position.x),
+              std::make_tuple(0.0, 0.0, 0.0, 0.0));
 
     Model near = toward(5, 5, 5, 7); // within 0.01 of the point: 0, and nothing moves
     near.m_position.set(5.005, 5, 5);
@@ -147,27 +143,23 @@ TEST(CzbTrajcetoryModel, TurnLimit) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(near.calculate(1.0f), 0);
     }
-    EXPECT_EQ(near.m_position.x, 5.005);
-    EXPECT_EQ(near.m_speed, 1.0);
-    EXPECT_EQ(near.m_targetSpeed, 7.0);
-    EXPECT_EQ(near.m_currentIndex, 0);
+    EXPECT_EQ(
+        std::make_tuple(near.m_position.x, near.m_speed, near.m_targetSpeed, near.m_currentIndex),
+        std::make_tuple(5.005, 1.0, 7.0, 0));
 }
 
 TEST(CzbTrajcetoryModel, OwnHeadingRule) {
     Model m;
     // Every offset with y = -x counts as none.
-    const double headings[][3] = {{5, -5, 0},
-                                  {-5, 5, 0},
-                                  {0, 0, 0},
-                                  {1, 0, 90},
-                                  {0, -1, 180},
-                                  {-1, 0, 270},
-                                  {1, -2, 180.0 - 26.56505117707799}};
+    const double half = 26.56505117707799; // atan(1/2) in degrees
+    const double headings[][3] = {{5, -5, 0},           {-5, 5, 0},   {0, 0, 0},
+                                  {1, 0, 90},           {0, -1, 180}, {-1, 0, 270},
+                                  {1, -2, 180.0 - half}};
     for (const auto& h : headings) {
         EXPECT_DOUBLE_EQ(m.getHeading(h[0], h[1]), h[2]) << h[0] << " " << h[1];
     }
     // {dy, dz, pitch}: the same place and 45 degrees below both give 90.
-    const double pitches[][3] = {{0, 0, 90}, {1, -1, 90}, {1, 1, 45}, {2, -1, -26.56505117707799}};
+    const double pitches[][3] = {{0, 0, 90}, {1, -1, 90}, {1, 1, 45}, {2, -1, -half}};
     for (const auto& p : pitches) {
         double h = -1, pitch = -1;
         m.getAngle3d(0, 0, 0, 0, p[0], p[1], &h, &pitch);
@@ -178,8 +170,7 @@ TEST(CzbTrajcetoryModel, OwnHeadingRule) {
     same.m_waypoints.push_back({3, 4, 5, 1});
     same.m_waypoints.push_back({3, 4, 5, 1});
     same.setCurrentByWaypoint(0);
-    EXPECT_EQ(same.m_attitude.x, 0.0);
-    EXPECT_EQ(same.m_attitude.y, 90.0);
+    EXPECT_EQ(std::make_pair(same.m_attitude.x, same.m_attitude.y), std::make_pair(0.0, 90.0));
 
     Model diag = toward(5, -5, 0, 0); // wanted heading 0, not 135: the course stays
     diag.calculate(1.0f);

@@ -1,7 +1,6 @@
 // File descriptors that run out on demand (POSIX only): while a DescriptorLimit(n) is in scope
-// the process can open n more files, the rest up to a lowered limit being taken by /dev/null.
-// No other thread may open files meanwhile. Tests that use it begin with
-// ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED(): the address sanitizer needs descriptors of its own.
+// the process can open n more files (no other thread may open any). Tests that use it begin
+// with ZBTEST_SKIP_WHEN_DESCRIPTORS_ARE_NEEDED(): the address sanitizer needs some of its own.
 #pragma once
 
 #if !defined(_WIN32)

@@ -22,8 +22,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-// Only in builds with --coverage: __gcov_exit writes the program's counters, __gcov_dump those
-// of every instrumented module (where linked).
+// Present only with --coverage: __gcov_dump writes every module's counters, __gcov_exit ours.
 extern "C" void __gcov_exit(void) __attribute__((weak));
 extern "C" void __gcov_dump(void) __attribute__((weak));
 
@@ -57,29 +56,25 @@ public:
             m_why = "a tmpfs needs root";
             return;
         }
-        static bool privateNamespace = false;
-        if (!privateNamespace) {
-            // The mounts of this process stay its own and vanish with it.
-            if (unshare(CLONE_NEWNS) != 0 ||
-                mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-                m_why = std::string("no private mount namespace: ") + strerror(errno);
-                return;
-            }
-            privateNamespace = true;
-        }
+        // The mounts of this process stay its own and vanish with it.
+        static const int unshared =
+            unshare(CLONE_NEWNS) == 0 &&
+                    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+                ? 0
+                : errno;
         char pattern[] = "/tmp/zbBase_tmpfs_XXXXXX";
-        if (mkdtemp(pattern) == nullptr) {
+        const std::string options = "size=" + std::to_string(bytes);
+        if (unshared != 0) {
+            m_why = std::string("no private mount namespace: ") + strerror(unshared);
+        } else if (mkdtemp(pattern) == nullptr) {
             m_why = std::string("no folder for the mount: ") + strerror(errno);
-            return;
-        }
-        m_path = pattern;
-        std::string options = "size=" + std::to_string(bytes);
-        if (mount("tmpfs", m_path.c_str(), "tmpfs", 0, options.c_str()) != 0) {
+        } else if (mount("tmpfs", pattern, "tmpfs", 0, options.c_str()) != 0) {
             m_why = std::string("tmpfs cannot be mounted: ") + strerror(errno);
-            rmdir(m_path.c_str());
-            return;
+            rmdir(pattern);
+        } else {
+            m_path = pattern;
+            m_mounted = true;
         }
-        m_mounted = true;
     }
     ~SmallTmpfs() {
         if (m_mounted) {
@@ -107,8 +102,7 @@ inline int asUnprivileged(const std::function<int()>& body) {
         return -1;
     }
     if (child == 0) {
-        // A coverage build writes the child's counters into root's files at the end: the saved
-        // user stays root there, taken back for that write alone.
+        // With coverage the saved user stays root, taken back to write the counters at the end.
         const bool coverage = __gcov_exit != nullptr || __gcov_dump != nullptr;
         if (geteuid() == 0) {
             // nobody: no supplementary groups, no capabilities.

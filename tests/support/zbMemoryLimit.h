@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -23,7 +24,6 @@
 #endif
 #endif
 
-// A test that limits the address space skips under a sanitizer.
 #if defined(ZBTEST_SANITIZED)
 #define ZBTEST_SKIP_WHEN_SANITIZED()                                                               \
     GTEST_SKIP() << "a sanitizer's shadow memory needs the address space"
@@ -32,8 +32,7 @@
 #endif
 
 #if defined(__GNUC__)
-// Present only with coverage counters.
-extern "C" void __gcov_init(void*) __attribute__((weak));
+extern "C" void __gcov_init(void*) __attribute__((weak)); // present only with coverage counters
 #endif
 
 namespace zbtest {
@@ -52,13 +51,7 @@ namespace zbtest {
 // Address space that the process holds now.
 inline rlim_t addressSpace() {
     unsigned long pages = 0;
-    FILE* statm = std::fopen("/proc/self/statm", "r");
-    if (statm != nullptr) {
-        if (std::fscanf(statm, "%lu", &pages) != 1) {
-            pages = 0;
-        }
-        std::fclose(statm);
-    }
+    std::ifstream("/proc/self/statm") >> pages;
     return static_cast<rlim_t>(pages) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
 }
 

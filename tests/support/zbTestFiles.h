@@ -1,5 +1,5 @@
-// File helpers shared by the test programs: a fresh temporary folder per test, removed with
-// everything in it when the test ends; whole-file byte access; the platform's text line end.
+// File helpers of the test programs: a fresh temporary folder per test (removed with its
+// contents at the end), whole-file bytes and lines, the platform's text line end.
 #pragma once
 
 #include <atomic>
@@ -12,13 +12,14 @@
 
 #if defined(_WIN32)
 #include <process.h>
+#define ZBTEST_GETPID _getpid
 #else
 #include <unistd.h>
+#define ZBTEST_GETPID getpid
 #endif
 
 namespace zbtest {
 
-// The line end that text-mode streams write on this platform.
 #if defined(_WIN32)
 inline const std::string kEol = "\r\n";
 #else
@@ -29,19 +30,11 @@ class TempFolder {
 public:
     TempFolder() {
         static std::atomic<int> counter{0};
-#if defined(_WIN32)
-        const int pid = _getpid();
-#else
-        const int pid = getpid();
-#endif
-        const std::filesystem::path base = std::filesystem::temp_directory_path();
-        for (;;) {
-            m_path = base / ("zbBase_test_" + std::to_string(pid) + "_" +
-                             std::to_string(counter.fetch_add(1)));
-            if (std::filesystem::create_directory(m_path)) {
-                break;
-            }
-        }
+        const std::string prefix = "zbBase_test_" + std::to_string(ZBTEST_GETPID()) + "_";
+        do {
+            m_path = std::filesystem::temp_directory_path() /
+                     (prefix + std::to_string(counter.fetch_add(1)));
+        } while (!std::filesystem::create_directory(m_path));
     }
     ~TempFolder() {
         std::error_code ignored;
@@ -50,13 +43,8 @@ public:
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    const std::filesystem::path& path() const {
-        return m_path;
-    }
-    // A name inside the folder, as text the library takes.
-    std::string file(const std::string& name) const {
-        return (m_path / name).string();
-    }
+    const std::filesystem::path& path() const { return m_path; }
+    std::string file(const std::string& name) const { return (m_path / name).string(); }
 
 private:
     std::filesystem::path m_path;
@@ -72,12 +60,11 @@ inline void writeBytes(const std::filesystem::path& path, const std::string& byt
     if (path.has_parent_path()) {
         std::filesystem::create_directories(path.parent_path());
     }
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-// The lines of a file written in text mode, without their line ends; a last line without one
-// is marked "<unterminated>".
+// The lines of a text-mode file without their line ends; a last line without one is marked
+// "<unterminated>".
 inline std::vector<std::string> readLines(const std::filesystem::path& path) {
     const std::string bytes = readBytes(path);
     std::vector<std::string> lines;
