@@ -1,6 +1,6 @@
 #include "zbBase/diagnostics/CzbText.h"
 
-#include "TempFolder.h"
+#include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <regex>
 #include <set>
 
-using diagtest::Text;
+using zbtest::Text;
 
 TEST(CzbText, RingRotatesAndBlocksGrowButNeverShrink) {
     CzbText ring;
@@ -49,12 +49,14 @@ TEST(CzbText, RingRotatesAndBlocksGrowButNeverShrink) {
     EXPECT_EQ(ring.m_current.load(), 0);
 
     CzbText small;
-    small.getDate();
+    char* date = small.getDate();
+    const std::string dateText = date;
     EXPECT_EQ(small.getBufferSize(0), 64);
     small.m_current.store(-1);
     char* grown = small.getBufferNew(100);
     EXPECT_EQ(small.getBuffer(0), grown);
     EXPECT_EQ(small.getBufferSize(0), 100);
+    EXPECT_EQ(date, dateText); // a result held across a lap is out of date, never freed
 
     // A size of 0 or less allocates nothing but still moves the cursor.
     CzbText empty;
@@ -209,4 +211,10 @@ TEST(CzbText, CopiesShareBlocksAndWriteOnlyIntoBlocksOfTheirOwn) {
     EXPECT_NE(e.getDate(), large);
     EXPECT_EQ(e.getBufferSize(0), 512);
     EXPECT_STREQ(large, "large");
+    e.m_current.store(-1);
+    char* huge = e.getBufferNew(4096); // the copy grows the shared slot: d's result stays
+    std::memset(huge, 'c', 4095);
+    huge[4095] = '\0';
+    EXPECT_STREQ(large, "large");
+    EXPECT_EQ(d.getBuffer(0), huge);
 }

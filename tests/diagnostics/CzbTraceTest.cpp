@@ -1,6 +1,6 @@
 #include "zbBase/diagnostics/CzbTrace.h"
 
-#include "TempFolder.h"
+#include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@
 #include <regex>
 #include <thread>
 
-using diagtest::kEol;
-using diagtest::TempFolder;
-using diagtest::Text;
+using zbtest::kEol;
+using zbtest::TempFolder;
+using zbtest::Text;
 
 namespace {
 
@@ -81,16 +81,16 @@ TEST(CzbTrace, QueueModeKeepsMessagesInOrder) {
 TEST(CzbTrace, WriteFileAppendsOrReplacesAQueueOfAnyLength) {
     TempFolder folder;
     std::string name = folder.file("queue.txt");
-    diagtest::writeBytes(name, "old" + kEol);
+    zbtest::writeBytes(name, "old" + kEol);
     CzbTrace trace;
     trace.setMode(CzbTrace::ModeQueue);
     trace.setTrace(Text("a"));
     trace.setTrace(Text("b %s"), "c");
     trace.setWriteFile(Text(name), false);
     EXPECT_EQ(trace.getTraceNum(), 0);
-    EXPECT_EQ(diagtest::readBytes(name), "a" + kEol + "b c" + kEol);
+    EXPECT_EQ(zbtest::readBytes(name), "a" + kEol + "b c" + kEol);
     trace.setWriteFile(Text(name), false);
-    EXPECT_EQ(diagtest::readBytes(name), "");
+    EXPECT_EQ(zbtest::readBytes(name), "");
 
     // A file that cannot be opened leaves the queue as it was.
     trace.setTrace(Text("kept"));
@@ -101,7 +101,7 @@ TEST(CzbTrace, WriteFileAppendsOrReplacesAQueueOfAnyLength) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "none"));
     trace.clear();
 
-    diagtest::writeBytes(name, "old" + kEol);
+    zbtest::writeBytes(name, "old" + kEol);
     std::string expected = "old" + kEol;
     for (int i = 0; i < 100; ++i) {
         std::string text = std::to_string(i) + std::string(500, static_cast<char>('a' + i % 26));
@@ -120,7 +120,7 @@ TEST(CzbTrace, WriteFileAppendsOrReplacesAQueueOfAnyLength) {
     trace.setTrace(Text("last"));
     trace.setWriteFile(Text(name), true);
     EXPECT_EQ(trace.getTraceNum(), 0);
-    const std::string written = diagtest::readBytes(name);
+    const std::string written = zbtest::readBytes(name);
     EXPECT_TRUE(written == expected)
         << "first difference at "
         << std::mismatch(written.begin(), written.end(), expected.begin()).first - written.begin();
@@ -130,19 +130,19 @@ TEST(CzbTrace, FileModeWritesOneLineEach) {
     TempFolder folder;
     std::string first = folder.file("first.txt");
     std::string second = folder.file("second.txt");
-    diagtest::writeBytes(first, "earlier" + kEol);
-    diagtest::writeBytes(second, "keep" + kEol);
+    zbtest::writeBytes(first, "earlier" + kEol);
+    zbtest::writeBytes(second, "keep" + kEol);
 
     CzbTrace trace;
     EXPECT_TRUE(trace.setTraceFileName(Text(first), true));
-    EXPECT_EQ(diagtest::readBytes(first), "");
+    EXPECT_EQ(zbtest::readBytes(first), "");
     trace.setTrace(Text("x=%d"), 5);
     EXPECT_FALSE(trace.setTraceFileName(Text(folder.file("none/t.txt")), true));
     trace.setTrace(Text("y"));
-    EXPECT_EQ(diagtest::readBytes(first), "x=5" + kEol + "y" + kEol);
+    EXPECT_EQ(zbtest::readBytes(first), "x=5" + kEol + "y" + kEol);
 
     EXPECT_TRUE(trace.setTraceFileName(Text(second), false));
-    EXPECT_EQ(diagtest::readBytes(second), "keep" + kEol);
+    EXPECT_EQ(zbtest::readBytes(second), "keep" + kEol);
     EXPECT_TRUE(trace.setTraceFileName(Text(folder.file("new.txt")), false));
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "new.txt"));
     EXPECT_EQ(trace.getTraceNum(), 0);
@@ -155,7 +155,7 @@ TEST(CzbTrace, FileModeWritesOneLineEach) {
     assigned = trace;
     EXPECT_NE(assigned.m_fileName, trace.m_fileName);
     assigned.setTrace(Text("from assigned"));
-    EXPECT_EQ(diagtest::readBytes(folder.path() / "new.txt"),
+    EXPECT_EQ(zbtest::readBytes(folder.path() / "new.txt"),
               "from copy" + kEol + "from assigned" + kEol);
 
     // A trace file that cannot be opened any more loses the message; the next one tries again.
@@ -167,7 +167,7 @@ TEST(CzbTrace, FileModeWritesOneLineEach) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "sub"));
     std::filesystem::create_directory(folder.path() / "sub");
     trace.setTrace(Text("back"));
-    EXPECT_EQ(diagtest::readBytes(inFolder), "back" + kEol);
+    EXPECT_EQ(zbtest::readBytes(inFolder), "back" + kEol);
 }
 
 TEST(CzbTrace, ThreadsWriteWholeLines) {
@@ -181,7 +181,7 @@ TEST(CzbTrace, ThreadsWriteWholeLines) {
             trace.setTrace(Text("thread %d line %03d"), t, i);
         }
     });
-    auto lines = diagtest::readLines(name);
+    auto lines = zbtest::readLines(name);
     ASSERT_EQ(lines.size(), static_cast<size_t>(4 * perThread));
     std::map<int, int> next;
     const std::regex form("^thread (\\d) line (\\d{3})$");

@@ -57,62 +57,54 @@ TEST(TraceFault, FileModeNeverContinuesACutLine) {
     EXPECT_EQ(lines[17], "after");
 }
 
-TEST(TraceFault, AppendedQueueKeepsWhatDidNotReachTheFile) {
+TEST(TraceFault, AQueueLeavesOnlyWhatReachedTheFile) {
     zbtest::TempFolder dir;
     const std::string name = dir.file("queue.txt");
-    zbtest::writeBytes(name, "old\n");
-    CzbTrace trace;
-    queueMessages(trace, 100);
-    {
-        zbtest::FileSizeLimit limit(2000);
+    for (bool append : {true, false}) {
+        const std::string old = append ? "old\n" : std::string(3000, 'o') + "\n";
+        zbtest::writeBytes(name, old);
+        CzbTrace trace;
+        queueMessages(trace, 100);
+        {
+            zbtest::FileSizeLimit limit(2000);
+            trace.setWriteFile(zbtest::Text(name), append);
+        }
+        if (!append) {
+            // A replaced file fails whole: the old file and the whole queue stay.
+            EXPECT_EQ(zbtest::readBytes(name), old);
+            EXPECT_EQ(trace.getTraceNum(), 100);
+            EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()),
+                      1);
+            fs::create_symlink("/dev/full", dir.file("full.txt"));
+            trace.setWriteFile(zbtest::Text(dir.file("full.txt")), false);
+            trace.setWriteFile(zbtest::Text(dir.file("full.txt")), true);
+            EXPECT_EQ(trace.getTraceNum(), 100);
+            EXPECT_EQ(trace.getTraceFront(), message(0));
+            trace.setWriteFile(zbtest::Text(name), false);
+            EXPECT_EQ(trace.getTraceNum(), 0);
+            EXPECT_EQ(zbtest::readLines(name).size(), 100u);
+            continue;
+        }
+        // "old", the whole lines, and the cut one (without its line end yet).
+        std::vector<std::string> lines = zbtest::readLines(name);
+        ASSERT_GE(lines.size(), 2u);
+        const size_t whole = lines.size() - 2;
+        EXPECT_EQ(lines[0], "old");
+        for (size_t i = 0; i < whole; ++i) {
+            EXPECT_EQ(lines[i + 1], message(static_cast<int>(i)));
+        }
+        EXPECT_NE(lines.back().find("<unterminated>"), std::string::npos);
+        ASSERT_EQ(trace.getTraceNum(), static_cast<int>(100 - whole));
+        EXPECT_EQ(trace.getTraceFront(), message(static_cast<int>(whole)));
+        // Space is back: the rest follows, from a line of its own.
         trace.setWriteFile(zbtest::Text(name), true);
+        EXPECT_EQ(trace.getTraceNum(), 0);
+        lines = zbtest::readLines(name);
+        ASSERT_EQ(lines.size(), 1 + whole + 1 + (100 - whole));
+        for (int i = static_cast<int>(whole); i < 100; ++i) {
+            EXPECT_EQ(lines[2 + i], message(i));
+        }
     }
-    std::vector<std::string> lines = zbtest::readLines(name);
-    ASSERT_GE(lines.size(), 2u);
-    // "old", the whole lines, and the cut one (without its line end yet).
-    const size_t whole = lines.size() - 2;
-    EXPECT_EQ(lines[0], "old");
-    for (size_t i = 0; i < whole; ++i) {
-        EXPECT_EQ(lines[i + 1], message(static_cast<int>(i)));
-    }
-    EXPECT_NE(lines.back().find("<unterminated>"), std::string::npos);
-    ASSERT_EQ(trace.getTraceNum(), static_cast<int>(100 - whole));
-    EXPECT_EQ(trace.getTraceFront(), message(static_cast<int>(whole)));
-
-    // Space is back: the rest follows, from a line of its own.
-    trace.setWriteFile(zbtest::Text(name), true);
-    EXPECT_EQ(trace.getTraceNum(), 0);
-    lines = zbtest::readLines(name);
-    ASSERT_EQ(lines.size(), 1 + whole + 1 + (100 - whole));
-    for (int i = static_cast<int>(whole); i < 100; ++i) {
-        EXPECT_EQ(lines[2 + i], message(i));
-    }
-}
-
-TEST(TraceFault, ReplacingAFileFailsWholeAndKeepsTheOldFileAndTheQueue) {
-    zbtest::TempFolder dir;
-    const std::string name = dir.file("queue.txt");
-    const std::string old = std::string(3000, 'o') + "\n";
-    zbtest::writeBytes(name, old);
-    CzbTrace trace;
-    queueMessages(trace, 100);
-    {
-        zbtest::FileSizeLimit limit(2000);
-        trace.setWriteFile(zbtest::Text(name), false);
-    }
-    EXPECT_EQ(zbtest::readBytes(name), old);
-    EXPECT_EQ(trace.getTraceNum(), 100);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
-
-    fs::create_symlink("/dev/full", dir.file("full.txt"));
-    trace.setWriteFile(zbtest::Text(dir.file("full.txt")), false);
-    trace.setWriteFile(zbtest::Text(dir.file("full.txt")), true);
-    EXPECT_EQ(trace.getTraceNum(), 100);
-    EXPECT_EQ(trace.getTraceFront(), message(0));
-
-    trace.setWriteFile(zbtest::Text(name), false);
-    EXPECT_EQ(trace.getTraceNum(), 0);
-    EXPECT_EQ(zbtest::readLines(name).size(), 100u);
 }
 
 TEST(TraceFault, ATextLongerThanARunLeavesTheQueueOnlyWhole) {
