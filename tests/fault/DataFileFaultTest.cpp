@@ -298,15 +298,23 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
 
 const rlim_t kMiB = 1 << 20;
 
+// A sparse file of `size` bytes that starts with `head`: it costs no disk, only what a reader
+// makes of it.
+std::string sparse(const zbtest::TempFolder& dir, const char* name, const std::string& head,
+                   off_t size) {
+    const std::string path = dir.file(name);
+    zbtest::writeBytes(path, head);
+    EXPECT_EQ(truncate(path.c_str(), size), 0);
+    return path;
+}
+
 TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
     ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A sparse head-and-body file of 2^40 bytes, under 1 GiB: longer than a 32-bit length can
     // say, so a failed read with nothing kept and nothing read, whatever the sizes, and no
     // exception. The same file cut to 1 MiB reads.
-    const std::string huge = dir.file("huge.bin");
-    zbtest::writeBytes(huge, "");
-    ASSERT_EQ(truncate(huge.c_str(), 1ll << 40), 0);
+    const std::string huge = sparse(dir, "huge.bin", "", 1ll << 40);
     auto body = [&] {
         zbBase::CzbFileMgrB mgr;
         for (unsigned bodySize : {4096u, 1u, 0u}) {
@@ -356,13 +364,8 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
 TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
     ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
-    // Sparse files: they cost no disk, only what a reader makes of them.
-    const std::string image = dir.file("image.bin");
-    zbtest::writeBytes(image, "head");
-    ASSERT_EQ(truncate(image.c_str(), 48 << 20), 0);
-    const std::string pointers = dir.file("pointers.bin");
-    zbtest::writeBytes(pointers, "");
-    ASSERT_EQ(truncate(pointers.c_str(), 8 << 20), 0);
+    const std::string image = sparse(dir, "image.bin", "head", 48 << 20);
+    const std::string pointers = sparse(dir, "pointers.bin", "", 8 << 20);
     auto records = [&] {
         zbBase::CzbFileMgrB mgr;
         mgr.SetDataSize(4, 1);
@@ -394,14 +397,12 @@ TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
 
     // A block file of 1 GiB whose header claims a block for every 8 bytes behind it: the size
     // table does not fit, and the edit fails with the file as it was.
-    const std::string blocks = dir.file("blocks.bin");
     std::string header(152, '\0');
     const unsigned long long count = ((1ull << 30) - 152) / 8;
     for (int i = 0; i < 8; ++i) {
         header[16 + i] = static_cast<char>(count >> (8 * i));
     }
-    zbtest::writeBytes(blocks, header);
-    ASSERT_EQ(truncate(blocks.c_str(), 1ll << 30), 0);
+    const std::string blocks = sparse(dir, "blocks.bin", header, 1ll << 30);
     auto edit = [&] {
         zbBase::CzbFileMgrAdv mgr;
         return mgr.editFile(Text(blocks), 0, Text("x"), 1) ? 1 : 0;
