@@ -28,15 +28,11 @@ using zbtest::writeBytes;
 
 namespace {
 
-std::string yymmdd(const SYSTEMTIME& t) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%02d%02d%02d", t.wYear % 100, t.wMonth, t.wDay);
-    return text;
-}
-
 // The flat mode's file of a record.
 std::string fileOf(const std::string& prefix, const CzbLogger::_LoggerData& r) {
-    return prefix + "_" + yymmdd(r.time) + ".log";
+    char day[16];
+    std::snprintf(day, sizeof day, "%02d%02d%02d", r.time.wYear % 100, r.time.wMonth, r.time.wDay);
+    return prefix + "_" + day + ".log";
 }
 
 std::string expectedLine(const CzbLogger::_LoggerData& r) {
