@@ -100,24 +100,20 @@ TEST(CzbText, DateTimeAndPaths) {
     bool matched = false;
     for (int attempt = 0; attempt < 5 && !matched; ++attempt) {
         std::time_t before = std::time(nullptr);
-        std::string texts[] = {ring.getDate(Text("")),  ring.getDate(),
-                               ring.getTime(Text("")),  ring.getTime(),
-                               ring.getDate(Text("-")), ring.getTime(Text(":"))};
+        const std::string texts[] = {ring.getDate(Text("")),  ring.getDate(),
+                                     ring.getTime(Text("")),  ring.getTime(),
+                                     ring.getDate(Text("-")), ring.getTime(Text(":"))};
         if (before != std::time(nullptr)) {
             continue;
         }
         std::tm t = *std::localtime(&before);
-        char date[64], time[64];
+        char date[64], time[64], dashed[80], coloned[80];
         std::snprintf(date, sizeof date, "%04d%02d%02d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
         std::snprintf(time, sizeof time, "%02d%02d%02d", t.tm_hour, t.tm_min, t.tm_sec);
-        EXPECT_EQ(texts[0], date);
-        EXPECT_EQ(texts[1], date);
-        EXPECT_EQ(texts[2], time);
-        EXPECT_EQ(texts[3], time);
-        EXPECT_EQ(texts[4],
-                  std::string(date, 4) + "-" + std::string(date + 4, 2) + "-" + (date + 6));
-        EXPECT_EQ(texts[5],
-                  std::string(time, 2) + ":" + std::string(time + 2, 2) + ":" + (time + 4));
+        std::snprintf(dashed, sizeof dashed, "%.4s-%.2s-%s", date, date + 4, date + 6);
+        std::snprintf(coloned, sizeof coloned, "%.2s:%.2s:%s", time, time + 2, time + 4);
+        EXPECT_EQ(texts[0] + texts[1] + texts[2] + texts[3] + texts[4] + texts[5],
+                  std::string(date) + date + time + time + dashed + coloned);
         matched = true;
     }
     EXPECT_TRUE(matched);

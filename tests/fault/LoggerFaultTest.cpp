@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
+using zbtest::Text;
 
 namespace {
 
@@ -137,15 +138,15 @@ TEST(LoggerFault, ASubclassOnAFullDiskKeepsEveryRecordSavedOrMarked) {
     // The logger's own lines on a full disk: EveryFileThatTheDiskCutGetsItsLineEnded.
     zbtest::TempFolder other;
     TaggedLogger tagged(64, 128);
-    tagged.setWriteFileMode(zbtest::Text(other.file("Tag")), 5);
+    tagged.setWriteFileMode(Text(other.file("Tag")), 5);
     {
         zbtest::FileSizeLimit limit(1000);
         for (int i = 0; i < 40; ++i) {
-            tagged.setLog(zbtest::Text("%s"), textOf(i).c_str());
+            tagged.setLog(Text("%s"), textOf(i).c_str());
         }
         tagged.resetLogCount(1);
     }
-    tagged.setLog(zbtest::Text("later"));
+    tagged.setLog(Text("later"));
     tagged.resetLogCount(1);
     std::vector<std::string> tags = linesIn(other.path());
     ASSERT_FALSE(tags.empty());
@@ -170,14 +171,14 @@ TEST(LoggerFault, EveryFileThatTheDiskCutGetsItsLineEnded) {
     const SYSTEMTIME days[2] = {{2026, 11, 4, 19, 10, 0, 0, 0}, {2026, 11, 5, 20, 10, 0, 0, 0}};
     const std::string names[2] = {prefix + "_261119.log", prefix + "_261120.log"};
     for (int i = 0; i < 20; ++i) {
-        logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+        logger.setLog(Text("%s"), textOf(i).c_str());
         logger.m_logData[i].time = days[i / 10];
     }
     {
         zbtest::FileSizeLimit limit(1000); // 8 lines of 114 bytes, and part of the ninth
         // A period that never ends by itself: after the first pass, passes come from
         // resetLogCount(1) only.
-        logger.setWriteFileMode(zbtest::Text(prefix), 600000);
+        logger.setWriteFileMode(Text(prefix), 600000);
         logger.resetLogCount(1);
     }
     std::string lines[2];
@@ -198,8 +199,8 @@ TEST(LoggerFault, EveryFileThatTheDiskCutGetsItsLineEnded) {
     // them before.
     {
         zbp::CriticalSectionGuard guard(&logger.m_lock);
-        logger.setLog(zbtest::Text("first day again"));
-        logger.setLog(zbtest::Text("second day again"));
+        logger.setLog(Text("first day again"));
+        logger.setLog(Text("second day again"));
         logger.m_logData[0].time = days[0];
         logger.m_logData[1].time = days[1];
     }
@@ -220,9 +221,9 @@ TEST(LoggerFault, FullDeviceMarksEveryRecord) {
         fs::create_symlink("/dev/full", dir.file("Dev_" + day + ".log"));
     }
     CzbLogger logger(256, 64);
-    logger.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
+    logger.setWriteFileMode(Text(dir.file("Dev")), 1000);
     for (int i = 0; i < 200; ++i) {
-        logger.setLog(zbtest::Text("to a full device %d"), i);
+        logger.setLog(Text("to a full device %d"), i);
     }
     logger.resetLogCount(1);
     for (int i = 0; i < 200; ++i) {
@@ -231,12 +232,12 @@ TEST(LoggerFault, FullDeviceMarksEveryRecord) {
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 
     TaggedLogger tagged(16, 8192);
-    tagged.setLog(zbtest::Text("tagged"));
+    tagged.setLog(Text("tagged"));
     // A record longer than the stream's buffer fails inside its write, not at its flush.
-    tagged.setLog(zbtest::Text("x"));
+    tagged.setLog(Text("x"));
     std::memset(tagged.m_logData[1].text, 'l', 6000);
     tagged.m_logData[1].text[6000] = '\0';
-    tagged.setWriteFileMode(zbtest::Text(dir.file("Dev")), 1000);
+    tagged.setWriteFileMode(Text(dir.file("Dev")), 1000);
     tagged.resetLogCount(1);
     EXPECT_EQ(tagged.m_logData[0].text, "tagged" + kMark);
     EXPECT_EQ(tagged.m_logData[1].text, std::string(6000, 'l') + kMark);
@@ -248,9 +249,9 @@ TEST(LoggerFault, SmallDiskThatFillsAndGetsSpaceBack) {
         GTEST_SKIP() << disk.why();
     }
     CzbLogger logger(512, 256);
-    logger.setWriteFileMode(zbtest::Text(disk.file("Log")), 2);
+    logger.setWriteFileMode(Text(disk.file("Log")), 2);
     for (int i = 0; i < 10; ++i) {
-        logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+        logger.setLog(Text("%s"), textOf(i).c_str());
     }
     ASSERT_TRUE(waitSaved(logger));
     ASSERT_EQ(checkSavedOrMarked(logger, 10, linesIn(disk.path()), 0), 10);
@@ -267,7 +268,7 @@ TEST(LoggerFault, SmallDiskThatFillsAndGetsSpaceBack) {
     }
     const int count = 200;
     for (int i = 10; i < count; ++i) {
-        logger.setLog(zbtest::Text("%s"), textOf(i).c_str());
+        logger.setLog(Text("%s"), textOf(i).c_str());
     }
     ASSERT_TRUE(waitSaved(logger));
     int saved = checkSavedOrMarked(logger, count, linesIn(disk.path()), 1);
@@ -275,7 +276,7 @@ TEST(LoggerFault, SmallDiskThatFillsAndGetsSpaceBack) {
     EXPECT_LT(saved, 100);
 
     fs::remove(disk.file("filler"));
-    logger.setLog(zbtest::Text("space is back"));
+    logger.setLog(Text("space is back"));
     ASSERT_TRUE(waitSaved(logger));
     std::vector<std::string> lines = linesIn(disk.path());
     ASSERT_FALSE(lines.empty());
@@ -303,9 +304,9 @@ TEST(LoggerFault, ReadOnlyFolderAndFileForAnUnprivilegedUser) {
         int failures = 0;
         for (const std::string& prefix : {inFolder, locked}) {
             CzbLogger logger(8, 64);
-            logger.setWriteFileMode(zbtest::Text(prefix), 1000);
-            logger.setLog(zbtest::Text("first"));
-            logger.setLog(zbtest::Text("second"));
+            logger.setWriteFileMode(Text(prefix), 1000);
+            logger.setLog(Text("first"));
+            logger.setLog(Text("second"));
             logger.resetLogCount(1);
             failures += std::string(logger.m_logData[0].text) == "first" + kMark ? 0 : 1;
             failures += std::string(logger.m_logData[1].text) == "second" + kMark ? 0 : 1;
@@ -332,7 +333,7 @@ TEST(LoggerFault, NoSaverRunsWithoutMemoryForItsBufferOrItsThread) {
         }
         // No memory for the saver's buffer: no saver, and the logger keeps its records.
         CzbLogger logger(8, 64);
-        zbtest::Text name(prefix);
+        Text name(prefix);
         {
             zbtest::MemoryHog hog;
             logger.setWriteFileMode(name, 1);
@@ -340,7 +341,7 @@ TEST(LoggerFault, NoSaverRunsWithoutMemoryForItsBufferOrItsThread) {
         if (logger.m_threadState.load() != 0) {
             return 2;
         }
-        logger.setLog(zbtest::Text("in memory"));
+        logger.setLog(Text("in memory"));
         logger.resetLogCount(1); // nobody to wait for
         // No room for a thread's stack: the thread cannot start, and the same holds.
         pthread_attr_t attributes;
@@ -350,11 +351,11 @@ TEST(LoggerFault, NoSaverRunsWithoutMemoryForItsBufferOrItsThread) {
             return 3;
         }
         CzbLogger unstarted(8, 64);
-        unstarted.setWriteFileMode(zbtest::Text(prefix), 1);
+        unstarted.setWriteFileMode(Text(prefix), 1);
         if (unstarted.m_threadState.load() != 0) {
             return 4;
         }
-        unstarted.setLog(zbtest::Text("kept"));
+        unstarted.setLog(Text("kept"));
         unstarted.resetLogCount(1);
         return std::string(unstarted.m_logData[0].text) == "kept" ? 0 : 5;
     });
