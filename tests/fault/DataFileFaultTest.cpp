@@ -308,7 +308,7 @@ std::string sparse(const zbtest::TempFolder& dir, const char* name, const std::s
     return path;
 }
 
-TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
+TEST(DataFileFault, HugeSparseAndBodySizeOneRecordFilesUnderAMemoryLimit) {
     ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A sparse head-and-body file of 2^40 bytes, under 1 GiB: longer than a 32-bit length can
@@ -331,11 +331,7 @@ TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
         return mgr.OpenFile(Text(huge)) && mgr.m_readBodies.size() == 255 ? 0 : 3;
     };
     EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
-}
 
-TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
-    ZBTEST_SKIP_WHEN_SANITIZED();
-    zbtest::TempFolder dir;
     // A body size of 1 on an 8 MiB file: the bytes once and a pointer per body (some 72 MiB),
     // not a heap block per body.
     const std::string bodies = dir.file("bodies.bin");
@@ -344,7 +340,7 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         bytes[i] = static_cast<char>(i * 7);
     }
     zbtest::writeBytes(bodies, bytes);
-    auto body = [&] {
+    auto bytewise = [&] {
         zbBase::CzbFileMgrB mgr;
         mgr.SetDataSize(0, 1);
         if (!mgr.OpenFile(Text(bodies)) || mgr.m_readBodies.size() != bytes.size()) {
@@ -358,7 +354,7 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         zbBase::CzbFileMgrB copy(mgr); // one more image, not 8 million blocks
         return *copy.m_readBodies.back() == bytes.back() ? 0 : 3;
     };
-    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, bytewise), 0);
 }
 
 TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
