@@ -261,10 +261,12 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
     ASSERT_TRUE(list.writeFile(Text(many), 0.5f));
     const std::string before = zbtest::readBytes(many);
     const size_t editedSize = before.size() - blocks[300].size() + 5000;
+    std::string data(5000, 'n'); // the new block from bytes, or as zeros without them
     for (size_t limit = 0; limit < editedSize; limit += 500) {
         {
             zbtest::FileSizeLimit disk(limit);
-            ASSERT_FALSE(list.editFile(Text(many), 300, nullptr, 5000)) << limit;
+            char* bytes = limit % 1000 == 0 ? nullptr : &data[0];
+            ASSERT_FALSE(list.editFile(Text(many), 300, bytes, 5000)) << limit;
         }
         ASSERT_TRUE(zbtest::readBytes(many) == before) << limit;
     }
