@@ -84,36 +84,29 @@ TEST(CzbFileDB, EmptyDatabaseGivesDefaults) {
 
 TEST(CzbFileDB, TextFormsOfNumbers) {
     CzbFileDB db;
-    auto asInt = [&db](const char* text) {
-        db.setItem(T("k"), T(text));
-        int i = 9;
-        db.getItem(T("k"), &i, 9);
-        return i;
-    };
-    auto asFloat = [&db](const char* text) {
-        db.setItem(T("k"), T(text));
-        float f = 0;
-        db.getItem(T("k"), &f, 0.0f);
-        return f;
-    };
-    EXPECT_EQ(asInt(""), 0);
-    EXPECT_EQ(asInt("abc"), 0);
-    EXPECT_EQ(asInt("12abc"), 12);
-    EXPECT_EQ(asInt("2.500000"), 2);
-    // Beyond the 32-bit range numbers saturate; a float read of a huge value is infinite.
-    EXPECT_EQ(asInt("99999999999"), INT_MAX);
-    long l = 0;
-    db.setItem(T("k"), T("-99999999999"));
-    db.getItem(T("k"), &l, 0L);
-    EXPECT_EQ(l, static_cast<long>(INT_MIN));
+    // Beyond the 32-bit range numbers saturate; a float read of a huge value is infinite. Just
+    // beyond the largest float, nearer to it than to the next power of two, rounds to it.
     const float inf = std::numeric_limits<float>::infinity();
     const float max = std::numeric_limits<float>::max();
-    EXPECT_EQ(asFloat("1e300"), inf);
-    EXPECT_EQ(asFloat("-1e300"), -inf);
-    // Just beyond the largest float, nearer to it than to the next power of two: it rounds
-    // to the largest float, as the hardware rounds.
-    EXPECT_EQ(asFloat("3.4028235e38"), max);
-    EXPECT_EQ(asFloat("-3.4028235e38"), -max);
+    struct Case {
+        const char* text;
+        long asLong;
+        float asFloat;
+    };
+    for (const Case& c :
+         {Case{"", 0, 0}, Case{"abc", 0, 0}, Case{"12abc", 12, 12}, Case{"2.500000", 2, 2.5f},
+          Case{"99999999999", INT_MAX, 1e11f}, Case{"-99999999999", INT_MIN, -1e11f},
+          Case{"1e300", 1, inf}, Case{"-1e300", -1, -inf}, Case{"3.4028235e38", 3, max},
+          Case{"-3.4028235e38", -3, -max}}) {
+        db.setItem(T("k"), T(c.text));
+        int i = 9;
+        long l = 9;
+        float f = 9;
+        db.getItem(T("k"), &i, 9);
+        db.getItem(T("k"), &l, 9L);
+        db.getItem(T("k"), &f, 9.0f);
+        EXPECT_TRUE(i == c.asLong && l == c.asLong && f == c.asFloat) << c.text;
+    }
     char text[16] = "x";
     db.setItem(T("empty"), T(""));
     db.getItem(T("empty"), text, T("def"));
@@ -126,6 +119,7 @@ TEST(CzbFileDB, TextFormsOfNumbers) {
     EXPECT_STREQ(db.getItemPoint(T("d")), "2.500000");
     EXPECT_STREQ(db.getItemPoint(T("l")), "-7");
     double d = 0;
+    long l = 0;
     db.getItem(T("d"), &d, 0.0);
     db.getItem(T("l"), &l, 0L);
     EXPECT_EQ(d, 2.5);
@@ -243,6 +237,6 @@ TEST(CzbFileDB, ConstructionLeavesAFileNamedAaaAlone) {
     EXPECT_EQ(readBytes("aaa.txt"), "host=`keeps this`\n");
     std::filesystem::remove("aaa.txt");
     { CzbFileDB db; }
-    EXPECT_FALSE(fileExists("aaa.txt"));
+    EXPECT_FALSE(std::filesystem::exists("aaa.txt"));
     std::filesystem::current_path(previous);
 }

@@ -35,14 +35,11 @@ std::string writeThree(const TempFolder& folder, char* a, char* c) {
 
 } // namespace
 
-TEST(CzbFileMgrAdv, HeaderLayout) {
-    static_assert(sizeof(_zbFileMgrHeader) == 152, "header width");
-    static_assert(offsetof(_zbFileMgrHeader, headerValue) == 0, "headerValue");
-    static_assert(offsetof(_zbFileMgrHeader, totalSize) == 8, "totalSize");
-    static_assert(offsetof(_zbFileMgrHeader, blockCount) == 16, "blockCount");
-    static_assert(offsetof(_zbFileMgrHeader, reserved) == 24, "reserved");
-    static_assert(sizeof(CzbFileMgrAdv::_Block) == 16, "block entry");
-}
+static_assert(sizeof(_zbFileMgrHeader) == 152 && offsetof(_zbFileMgrHeader, headerValue) == 0 &&
+                  offsetof(_zbFileMgrHeader, totalSize) == 8 &&
+                  offsetof(_zbFileMgrHeader, blockCount) == 16 &&
+                  offsetof(_zbFileMgrHeader, reserved) == 24 && sizeof(CzbFileMgrAdv::_Block) == 16,
+              "the header and block entry layouts that hosts read");
 
 // The bytes of a sized-block file: header value, total, count, 128 reserved bytes, the table.
 std::string fileBytes(const std::string& value, uint64_t total, const std::string& table,

@@ -1,4 +1,4 @@
-// Test helpers of the data file tests, on top of the shared temporary folder.
+// Test helpers of the data file tests, on top of the shared ones.
 #pragma once
 
 #include "support/zbTestFiles.h"
@@ -7,7 +7,7 @@
 
 #include <string>
 
-// The line end that text-mode streams write on this platform.
+// The line end that text-mode streams write on this platform, as a literal.
 #if defined(_WIN32)
 #define NL "\r\n"
 #else
@@ -17,16 +17,7 @@
 using zbtest::readBytes;
 using zbtest::TempFolder;
 using zbtest::writeBytes;
-
-inline bool fileExists(const std::string& path) {
-    std::error_code ec;
-    return std::filesystem::exists(path, ec);
-}
-
-// The library's arguments are declared char*; tests hand over texts they own.
-inline char* T(const std::string& text) {
-    return const_cast<char*>(text.c_str());
-}
+using T = zbtest::Text; // the library's arguments are char*: tests hand over texts they own
 
 // The items of a database in their order, as "key=value|...".
 inline std::string dump(const CzbFileDB& db) {

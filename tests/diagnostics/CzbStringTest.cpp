@@ -1,33 +1,32 @@
 #include "zbBase/diagnostics/CzbString.h"
 
-#include "TempFolder.h"
+#include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
-using diagtest::Text;
 using zbBase::CzbString;
+using zbtest::Text;
 
 TEST(CzbString, FindAndReverseFind) {
-    EXPECT_EQ(CzbString::Find("abc", 'c'), 2);
-    EXPECT_EQ(CzbString::Find("abc", 'x'), -1);
-    EXPECT_EQ(CzbString::Find("abc", '\0'), 3);
-    EXPECT_EQ(CzbString::Find("", 'a'), -1);
-    EXPECT_EQ(CzbString::ReverseFind("a/b/c", '/'), 3);
-    EXPECT_EQ(CzbString::ReverseFind("abc", '\0'), 3);
-    EXPECT_EQ(CzbString::ReverseFind("abc", 'x'), -1);
+    // Find, ReverseFind of sub's first character ('\0' for the empty text); Find, StringFind
+    // (strstr) of sub.
     struct Case {
         const char *text, *sub;
-        int at;
+        int find, reverseFind, at, stringFind;
     };
-    for (const Case& c : {Case{"banana", "nan", 2}, Case{"banana", "nab", -1},
-                          Case{"ban", "bana", -1}, Case{"abc", "", -1}, Case{"", "a", -1}}) {
-        EXPECT_EQ(CzbString::Find(c.text, Text(c.sub)), c.at) << c.text << " " << c.sub;
+    for (const Case& c : {Case{"banana", "nan", 2, 4, 2, 2}, Case{"banana", "nab", 2, 4, -1, -1},
+                          Case{"ban", "bana", 0, 0, -1, -1}, Case{"abc", "", 3, 3, -1, 0},
+                          Case{"", "a", -1, -1, -1, -1}, Case{"a/b/c", "/b", 1, 3, 1, 1},
+                          Case{"abc", "x", -1, -1, -1, -1}}) {
+        SCOPED_TRACE(std::string(c.text) + " " + c.sub);
+        EXPECT_EQ(CzbString::Find(c.text, c.sub[0]), c.find);
+        EXPECT_EQ(CzbString::ReverseFind(c.text, c.sub[0]), c.reverseFind);
+        EXPECT_EQ(CzbString::Find(c.text, Text(c.sub)), c.at);
+        EXPECT_EQ(CzbString::StringFind(c.text, c.sub), c.stringFind);
     }
-    EXPECT_EQ(CzbString::StringFind("xyabc", "ab"), 2);
-    EXPECT_EQ(CzbString::StringFind("abc", "ab"), 0);
-    EXPECT_EQ(CzbString::StringFind("abc", "x"), -1);
 }
 
 TEST(CzbString, LeftRightMidCopyOrRefuse) {
@@ -36,19 +35,18 @@ TEST(CzbString, LeftRightMidCopyOrRefuse) {
     EXPECT_STREQ(dst, "ab");
     EXPECT_TRUE(CzbString::Right("abcd", dst, 16, 2));
     EXPECT_STREQ(dst, "cd");
-    // Refusals leave dst untouched.
-    EXPECT_FALSE(CzbString::Left("abcd", dst, 16, 4));
-    EXPECT_FALSE(CzbString::Left("abcd", dst, 2, 2));
-    EXPECT_FALSE(CzbString::Left("abcd", dst, 16, -1));
-    EXPECT_FALSE(CzbString::Right("abcd", dst, 16, 4));
-    EXPECT_FALSE(CzbString::Right("abcd", dst, 16, -1));
-    EXPECT_FALSE(CzbString::Right("abcd", dst, 2, 2));
-    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 3, 1, 3));
-    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 2, -2));
-    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 2, 4));
-    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 4, 2, -1));
-    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, 7, 1));
-    EXPECT_FALSE(CzbString::Mid("abcdef", dst, 16, -1, 1));
+    // Refusals leave dst untouched: count beyond the text, buffer too small, negative counts.
+    for (int size : {16, 2}) {
+        for (int count : {size == 16 ? 4 : 2, -1}) {
+            EXPECT_FALSE(CzbString::Left("abcd", dst, size, count));
+            EXPECT_FALSE(CzbString::Right("abcd", dst, size, count));
+        }
+    }
+    for (auto c :
+         {std::make_tuple(3, 1, 3), std::make_tuple(16, 2, -2), std::make_tuple(16, 2, 4),
+          std::make_tuple(4, 2, -1), std::make_tuple(16, 7, 1), std::make_tuple(16, -1, 1)}) {
+        EXPECT_FALSE(CzbString::Mid("abcdef", dst, std::get<0>(c), std::get<1>(c), std::get<2>(c)));
+    }
     EXPECT_STREQ(dst, "cd");
     EXPECT_TRUE(CzbString::Mid("abcdef", dst, 16, 2, 3));
     EXPECT_STREQ(dst, "cde");

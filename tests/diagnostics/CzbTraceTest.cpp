@@ -1,36 +1,20 @@
 #include "zbBase/diagnostics/CzbTrace.h"
 
-#include "TempFolder.h"
+#include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <map>
 #include <regex>
 #include <thread>
 
-using diagtest::kEol;
-using diagtest::TempFolder;
-using diagtest::Text;
+using zbtest::kEol;
+using zbtest::TempFolder;
+using zbtest::Text;
 
-namespace {
-
-// Runs `work(t)` on four threads at once.
-template <typename Work> void onFourThreads(Work work) {
-    std::vector<std::thread> workers;
-    for (int t = 0; t < 4; ++t) {
-        workers.emplace_back(work, t);
-    }
-    for (auto& worker : workers) {
-        worker.join();
-    }
-}
-
-} // namespace
-
-TEST(CzbTrace, QueueModeKeepsMessagesInOrder) {
+TEST(CzbTrace, QueueModeKeepsMessagesInOrderAndCopiesOwnTheirQueue) {
     CzbTrace trace;
     trace.setTrace(Text("lost %d"), 1); // file mode without a file
     EXPECT_EQ(trace.getTraceNum(), 0);
@@ -76,21 +60,33 @@ TEST(CzbTrace, QueueModeKeepsMessagesInOrder) {
     EXPECT_EQ(assigned.m_mode.load(), CzbTrace::ModeQueue);
     assigned.getTracePop(buffer);
     EXPECT_EQ(std::strlen(buffer), 511u);
+
+    // The process-wide trace, with the date and time in front.
+    CzbTrace* instance = CzbTraceExt::getInstance();
+    EXPECT_EQ(instance, &CzbTraceExt::m_Instance);
+    instance->setMode(CzbTrace::ModeQueue);
+    CzbTraceExt::setTraceWithDateTime(Text("value %d"), 42);
+    ASSERT_EQ(instance->getTraceNum(), 1);
+    EXPECT_TRUE(std::regex_match(std::string(instance->getTraceFront()),
+                                 std::regex("^\\d{14} : value 42$")))
+        << instance->getTraceFront();
+    instance->clear();
+    instance->setMode(CzbTrace::ModeFile);
 }
 
 TEST(CzbTrace, WriteFileAppendsOrReplacesAQueueOfAnyLength) {
     TempFolder folder;
     std::string name = folder.file("queue.txt");
-    diagtest::writeBytes(name, "old" + kEol);
+    zbtest::writeBytes(name, "old" + kEol);
     CzbTrace trace;
     trace.setMode(CzbTrace::ModeQueue);
     trace.setTrace(Text("a"));
     trace.setTrace(Text("b %s"), "c");
     trace.setWriteFile(Text(name), false);
     EXPECT_EQ(trace.getTraceNum(), 0);
-    EXPECT_EQ(diagtest::readBytes(name), "a" + kEol + "b c" + kEol);
+    EXPECT_EQ(zbtest::readBytes(name), "a" + kEol + "b c" + kEol);
     trace.setWriteFile(Text(name), false);
-    EXPECT_EQ(diagtest::readBytes(name), "");
+    EXPECT_EQ(zbtest::readBytes(name), "");
 
     // A file that cannot be opened leaves the queue as it was.
     trace.setTrace(Text("kept"));
@@ -101,7 +97,7 @@ TEST(CzbTrace, WriteFileAppendsOrReplacesAQueueOfAnyLength) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "none"));
     trace.clear();
 
-    diagtest::writeBytes(name, "old" + kEol);
+    zbtest::writeBytes(name, "old" + kEol);
     std::string expected = "old" + kEol;
     for (int i = 0; i < 100; ++i) {
         std::string text = std::to_string(i) + std::string(500, static_cast<char>('a' + i % 26));
@@ -120,29 +116,26 @@ TEST(CzbTrace, WriteFileAppendsOrReplacesAQueueOfAnyLength) {
     trace.setTrace(Text("last"));
     trace.setWriteFile(Text(name), true);
     EXPECT_EQ(trace.getTraceNum(), 0);
-    const std::string written = diagtest::readBytes(name);
-    EXPECT_TRUE(written == expected)
-        << "first difference at "
-        << std::mismatch(written.begin(), written.end(), expected.begin()).first - written.begin();
+    EXPECT_TRUE(zbtest::readBytes(name) == expected);
 }
 
 TEST(CzbTrace, FileModeWritesOneLineEach) {
     TempFolder folder;
     std::string first = folder.file("first.txt");
     std::string second = folder.file("second.txt");
-    diagtest::writeBytes(first, "earlier" + kEol);
-    diagtest::writeBytes(second, "keep" + kEol);
+    zbtest::writeBytes(first, "earlier" + kEol);
+    zbtest::writeBytes(second, "keep" + kEol);
 
     CzbTrace trace;
     EXPECT_TRUE(trace.setTraceFileName(Text(first), true));
-    EXPECT_EQ(diagtest::readBytes(first), "");
+    EXPECT_EQ(zbtest::readBytes(first), "");
     trace.setTrace(Text("x=%d"), 5);
     EXPECT_FALSE(trace.setTraceFileName(Text(folder.file("none/t.txt")), true));
     trace.setTrace(Text("y"));
-    EXPECT_EQ(diagtest::readBytes(first), "x=5" + kEol + "y" + kEol);
+    EXPECT_EQ(zbtest::readBytes(first), "x=5" + kEol + "y" + kEol);
 
     EXPECT_TRUE(trace.setTraceFileName(Text(second), false));
-    EXPECT_EQ(diagtest::readBytes(second), "keep" + kEol);
+    EXPECT_EQ(zbtest::readBytes(second), "keep" + kEol);
     EXPECT_TRUE(trace.setTraceFileName(Text(folder.file("new.txt")), false));
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "new.txt"));
     EXPECT_EQ(trace.getTraceNum(), 0);
@@ -155,7 +148,7 @@ TEST(CzbTrace, FileModeWritesOneLineEach) {
     assigned = trace;
     EXPECT_NE(assigned.m_fileName, trace.m_fileName);
     assigned.setTrace(Text("from assigned"));
-    EXPECT_EQ(diagtest::readBytes(folder.path() / "new.txt"),
+    EXPECT_EQ(zbtest::readBytes(folder.path() / "new.txt"),
               "from copy" + kEol + "from assigned" + kEol);
 
     // A trace file that cannot be opened any more loses the message; the next one tries again.
@@ -167,7 +160,7 @@ TEST(CzbTrace, FileModeWritesOneLineEach) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "sub"));
     std::filesystem::create_directory(folder.path() / "sub");
     trace.setTrace(Text("back"));
-    EXPECT_EQ(diagtest::readBytes(inFolder), "back" + kEol);
+    EXPECT_EQ(zbtest::readBytes(inFolder), "back" + kEol);
 }
 
 TEST(CzbTrace, ThreadsWriteWholeLines) {
@@ -176,12 +169,18 @@ TEST(CzbTrace, ThreadsWriteWholeLines) {
     CzbTrace trace;
     ASSERT_TRUE(trace.setTraceFileName(Text(name), true));
     const int perThread = 150;
-    onFourThreads([&trace](int t) {
-        for (int i = 0; i < perThread; ++i) {
-            trace.setTrace(Text("thread %d line %03d"), t, i);
-        }
-    });
-    auto lines = diagtest::readLines(name);
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 4; ++t) {
+        workers.emplace_back([&trace, t] {
+            for (int i = 0; i < perThread; ++i) {
+                trace.setTrace(Text("thread %d line %03d"), t, i);
+            }
+        });
+    }
+    for (auto& worker : workers) {
+        worker.join();
+    }
+    auto lines = zbtest::readLines(name);
     ASSERT_EQ(lines.size(), static_cast<size_t>(4 * perThread));
     std::map<int, int> next;
     const std::regex form("^thread (\\d) line (\\d{3})$");
@@ -190,18 +189,4 @@ TEST(CzbTrace, ThreadsWriteWholeLines) {
         ASSERT_TRUE(std::regex_match(line, match, form)) << line;
         EXPECT_EQ(std::stoi(match[2]), next[std::stoi(match[1])]++);
     }
-}
-
-TEST(CzbTrace, ProcessWideTraceWithDateTime) {
-    CzbTrace* instance = CzbTraceExt::getInstance();
-    EXPECT_EQ(instance, &CzbTraceExt::m_Instance);
-    instance->setMode(CzbTrace::ModeQueue);
-    CzbTraceExt::setTraceWithDateTime(Text("value %d"), 42);
-    ASSERT_EQ(instance->getTraceNum(), 1);
-    EXPECT_TRUE(std::regex_match(std::string(instance->getTraceFront()),
-                                 std::regex("^\\d{14} : value 42$")))
-        << instance->getTraceFront();
-    instance->clear();
-
-    instance->setMode(CzbTrace::ModeFile);
 }

@@ -34,15 +34,11 @@ namespace {
 const int kLines = 20000;
 
 size_t entries(const fs::path& folder) {
-    size_t n = 0;
-    for (auto it = fs::directory_iterator(folder); it != fs::directory_iterator(); ++it) {
-        ++n;
-    }
-    return n;
+    return static_cast<size_t>(std::distance(fs::directory_iterator(folder), {}));
 }
 
-// The four whole-file writers, each with a 20000-line (or 20000-record) content of its own;
-// `variant` changes every byte count so that old and new files differ.
+// The items, sections or records of the writers: 20000 lines (or records) whose bytes change
+// with `variant`, so that old and new files differ.
 void fillDatabase(CzbFileDB& db, int variant) {
     char key[32], value[32];
     for (int i = 0; i < kLines; ++i) {
@@ -53,7 +49,6 @@ void fillDatabase(CzbFileDB& db, int variant) {
 }
 
 void fillSections(zbBase::CzbFileMgr& mgr, int variant) {
-    mgr.SetTitle(Text("T"));
     char name[32];
     for (int i = 0; i < kLines - 1; ++i) {
         std::snprintf(name, sizeof name, "n%05d", i);
@@ -61,51 +56,49 @@ void fillSections(zbBase::CzbFileMgr& mgr, int variant) {
     }
 }
 
-void fillRecords(zbBase::CzbFileMgrB& mgr, int variant) {
-    mgr.SetDataSize(16, 16);
-    char block[16];
-    std::memset(block, 'a' + variant, sizeof block);
-    mgr.SetHead(block);
-    for (int i = 0; i < kLines; ++i) {
-        std::memcpy(block, &i, sizeof i);
-        mgr.AddBody(block);
+// A list of 600 blocks of 0 to 39 bytes: its size table is longer than a stream's buffer.
+void fillBlocks(zbBase::CzbFileMgrAdv& list, std::vector<std::string>& blocks) {
+    for (int i = 0; i < 600; ++i) {
+        blocks.push_back(std::string(static_cast<size_t>(i % 40), static_cast<char>('a' + i % 26)));
+    }
+    for (std::string& block : blocks) {
+        list.addDataSize(block.empty() ? nullptr : &block[0], block.size());
     }
 }
 
-std::string blockBytes(int variant) {
-    return std::string(kLines * 16, static_cast<char>('a' + variant));
-}
-
+// The four whole-file writers; each gives its result (true for CzbFileMgrB, which has none).
 struct Writers {
-    std::string items, sections, records, blocks;
-    std::string blockData[2] = {blockBytes(0), blockBytes(1)};
+    std::string blockData[2] = {std::string(kLines * 16, 'a'), std::string(kLines * 16, 'b')};
 
-    // Each writer's result (true for MakeFile of CzbFileMgrB, which has none).
     bool write(const std::string& path, int kind, int variant) {
-        switch (kind) {
-        case 0: {
+        if (kind == 0) {
             CzbFileDB db;
             fillDatabase(db, variant);
             return db.savefile(Text(path));
         }
-        case 1: {
+        if (kind == 1) {
             zbBase::CzbFileMgr mgr;
+            mgr.SetTitle(Text("T"));
             fillSections(mgr, variant);
             return mgr.MakeFile(Text(path));
         }
-        case 2: {
+        if (kind == 2) {
             zbBase::CzbFileMgrB mgr;
-            fillRecords(mgr, variant);
+            mgr.SetDataSize(16, 16);
+            char block[16];
+            std::memset(block, 'a' + variant, sizeof block);
+            mgr.SetHead(block);
+            for (int i = 0; i < kLines; ++i) {
+                std::memcpy(block, &i, sizeof i);
+                mgr.AddBody(block);
+            }
             mgr.MakeFile(Text(path));
             return true;
         }
-        default: {
-            zbBase::CzbFileMgrAdv mgr;
-            mgr.addDataSize(&blockData[variant][0], blockData[variant].size());
-            mgr.addDataSize(nullptr, 0);
-            return mgr.writeFile(Text(path), 1.5f);
-        }
-        }
+        zbBase::CzbFileMgrAdv mgr;
+        mgr.addDataSize(&blockData[variant][0], blockData[variant].size());
+        mgr.addDataSize(nullptr, 0);
+        return mgr.writeFile(Text(path), 1.5f);
     }
 };
 
@@ -169,31 +162,24 @@ TEST(DataFileFault, WholeFileWritersKeepTheOldFileOnAFullDisk) {
 }
 
 TEST(DataFileFault, AFullDeviceFailsEveryWriterWhicheverWriteMeetsIt) {
-    // The stream's buffer fills at 4096 bytes; the first write past that point fails. Texts
-    // of every length in front of it move that point over every write of a line.
-    char key[16], value[16];
-    for (size_t pad = 1; pad <= 18; ++pad) {
+    // The stream's buffer fills at 4096 bytes; the first write past that point fails. A first
+    // text of every length moves that point over every write of a line.
+    for (size_t pad = 1; pad <= 20; ++pad) {
         CzbFileDB db;
         zbBase::CzbFileMgr mgr;
         db.setItem(Text("first"), Text(std::string(pad, 'p')));
         mgr.SetTitle(Text("First"));
         mgr.SetAttribute(Text("first"), Text(std::string(pad, 'p')));
-        for (int i = 0; i < 400; ++i) {
-            std::snprintf(key, sizeof key, "key%03d", i);
-            std::snprintf(value, sizeof value, "value%03d", i);
-            db.setItem(key, value);
-            mgr.SetTitle(key);
-            mgr.SetAttribute(Text("n"), Text("v"));
-        }
+        fillDatabase(db, 0);
+        fillSections(mgr, 0);
         EXPECT_FALSE(db.savefile(Text("/dev/full"))) << pad;
         EXPECT_FALSE(mgr.MakeFile(Text("/dev/full"))) << pad;
     }
     // A size table longer than the buffer, a block without data, a block with data.
     std::string data(10000, 'd');
+    std::vector<std::string> blocks;
     zbBase::CzbFileMgrAdv table, zeros, bytes;
-    for (int i = 0; i < 600; ++i) {
-        table.addDataSize(nullptr, 0);
-    }
+    fillBlocks(table, blocks);
     zeros.addDataSize(nullptr, data.size());
     bytes.addDataSize(&data[0], data.size());
     for (zbBase::CzbFileMgrAdv* mgr : {&table, &zeros, &bytes}) {
@@ -264,65 +250,49 @@ TEST(DataFileFault, ReadOnlyTargetsAreNotWrittenByAnUnprivilegedUser) {
 }
 
 TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
+    // A file of 600 blocks, edited under a limit at every 500 bytes of the new file: in the
+    // table, in the copied blocks, in the new block, and in the blocks behind it. Only the edit
+    // that fits is made.
     zbtest::TempFolder dir;
-    const std::string path = dir.file("blocks.bin");
-    std::string first(100000, 'f'), second(100000, 's');
-    zbBase::CzbFileMgrAdv mgr;
-    mgr.addDataSize(&first[0], first.size());
-    mgr.addDataSize(&second[0], second.size());
-    ASSERT_TRUE(mgr.writeFile(Text(path), 2.5f));
-    const std::string old = zbtest::readBytes(path);
-    std::string grown(150000, 'g');
-    {
-        // The edit stops in the middle of the first block: the header would promise sizes that
-        // the blocks do not have.
-        zbtest::FileSizeLimit limit(120000);
-        EXPECT_FALSE(mgr.editFile(Text(path), 0, &grown[0], grown.size()));
-    }
-    EXPECT_TRUE(zbtest::readBytes(path) == old);
-    EXPECT_EQ(entries(dir.path()), 1u);
-
-    // A file of 600 blocks (a size table longer than one piece of the copy), edited under a
-    // limit at every 500 bytes of the new file: in the table, in the copied blocks, in the new
-    // block, and in the blocks behind it. Only the edit that fits is made.
     const std::string many = dir.file("many.bin");
     std::vector<std::string> blocks;
     zbBase::CzbFileMgrAdv list;
-    for (int i = 0; i < 600; ++i) {
-        blocks.push_back(std::string(static_cast<size_t>(i % 40), static_cast<char>('a' + i % 26)));
-    }
-    for (std::string& block : blocks) {
-        list.addDataSize(block.empty() ? nullptr : &block[0], block.size());
-    }
+    fillBlocks(list, blocks);
     ASSERT_TRUE(list.writeFile(Text(many), 0.5f));
     const std::string before = zbtest::readBytes(many);
     const size_t editedSize = before.size() - blocks[300].size() + 5000;
+    std::string data(5000, 'n'); // the new block from bytes, or as zeros without them
     for (size_t limit = 0; limit < editedSize; limit += 500) {
         {
             zbtest::FileSizeLimit disk(limit);
-            ASSERT_FALSE(list.editFile(Text(many), 300, nullptr, 5000)) << limit;
+            char* bytes = limit % 1000 == 0 ? nullptr : &data[0];
+            ASSERT_FALSE(list.editFile(Text(many), 300, bytes, 5000)) << limit;
         }
         ASSERT_TRUE(zbtest::readBytes(many) == before) << limit;
     }
-    EXPECT_EQ(entries(dir.path()), 2u);
+    EXPECT_EQ(entries(dir.path()), 1u);
     // With room, the edit gives the file that the list with the new block gives.
     ASSERT_TRUE(list.editFile(Text(many), 300, nullptr, 5000)); // a block without data: zeros
     list.setDataSize(300, nullptr, 5000);
-    list.setDataSize(600, &first[0], 1); // no such entry: nothing changes
-    list.setDataSize(-1, &first[0], 1);
+    list.setDataSize(600, &blocks[1][0], 1); // no such entry: nothing changes
+    list.setDataSize(-1, &blocks[1][0], 1);
     const std::string expected = dir.file("expected.bin");
     ASSERT_TRUE(list.writeFile(Text(expected), 0.5f));
     EXPECT_EQ(zbtest::readBytes(many).size(), editedSize);
     EXPECT_TRUE(zbtest::readBytes(many) == zbtest::readBytes(expected));
-    fs::remove(expected);
 
+    // On a small disk the edit needs a second copy beside the first, and there is no room.
     zbtest::SmallTmpfs disk(256 * 1024);
     if (!disk.ok()) {
         GTEST_SKIP() << disk.why();
     }
+    std::string first(100000, 'f'), second(100000, 's'), grown(150000, 'g');
+    zbBase::CzbFileMgrAdv mgr;
+    mgr.addDataSize(&first[0], first.size());
+    mgr.addDataSize(&second[0], second.size());
     const std::string small = disk.file("blocks.bin");
     ASSERT_TRUE(mgr.writeFile(Text(small), 2.5f));
-    // The edit needs a second copy beside the first, and the disk has no room for it.
+    const std::string old = zbtest::readBytes(small);
     EXPECT_FALSE(mgr.editFile(Text(small), 1, &grown[0], grown.size()));
     EXPECT_TRUE(zbtest::readBytes(small) == old);
     EXPECT_EQ(entries(disk.path()), 1u);
@@ -330,15 +300,23 @@ TEST(DataFileFault, EditFileWithAFailingWriteKeepsTheOldFile) {
 
 const rlim_t kMiB = 1 << 20;
 
-TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
+// A sparse file of `size` bytes that starts with `head`: it costs no disk, only what a reader
+// makes of it.
+std::string sparse(const zbtest::TempFolder& dir, const char* name, const std::string& head,
+                   off_t size) {
+    const std::string path = dir.file(name);
+    zbtest::writeBytes(path, head);
+    EXPECT_EQ(truncate(path.c_str(), size), 0);
+    return path;
+}
+
+TEST(DataFileFault, HugeSparseAndBodySizeOneRecordFilesUnderAMemoryLimit) {
     ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
     // A sparse head-and-body file of 2^40 bytes, under 1 GiB: longer than a 32-bit length can
     // say, so a failed read with nothing kept and nothing read, whatever the sizes, and no
     // exception. The same file cut to 1 MiB reads.
-    const std::string huge = dir.file("huge.bin");
-    zbtest::writeBytes(huge, "");
-    ASSERT_EQ(truncate(huge.c_str(), 1ll << 40), 0);
+    const std::string huge = sparse(dir, "huge.bin", "", 1ll << 40);
     auto body = [&] {
         zbBase::CzbFileMgrB mgr;
         for (unsigned bodySize : {4096u, 1u, 0u}) {
@@ -355,11 +333,7 @@ TEST(DataFileFault, HugeSparseRecordFileUnderAMemoryLimit) {
         return mgr.OpenFile(Text(huge)) && mgr.m_readBodies.size() == 255 ? 0 : 3;
     };
     EXPECT_EQ(zbtest::withAddressSpace(1024 * kMiB, body), 0);
-}
 
-TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
-    ZBTEST_SKIP_WHEN_SANITIZED();
-    zbtest::TempFolder dir;
     // A body size of 1 on an 8 MiB file: the bytes once and a pointer per body (some 72 MiB),
     // not a heap block per body.
     const std::string bodies = dir.file("bodies.bin");
@@ -368,7 +342,7 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         bytes[i] = static_cast<char>(i * 7);
     }
     zbtest::writeBytes(bodies, bytes);
-    auto body = [&] {
+    auto bytewise = [&] {
         zbBase::CzbFileMgrB mgr;
         mgr.SetDataSize(0, 1);
         if (!mgr.OpenFile(Text(bodies)) || mgr.m_readBodies.size() != bytes.size()) {
@@ -382,19 +356,14 @@ TEST(DataFileFault, BodySizeOneOnAnEightMegabyteFile) {
         zbBase::CzbFileMgrB copy(mgr); // one more image, not 8 million blocks
         return *copy.m_readBodies.back() == bytes.back() ? 0 : 3;
     };
-    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, body), 0);
+    EXPECT_EQ(zbtest::withAddressSpace(zbtest::addressSpace() + 192 * kMiB, bytewise), 0);
 }
 
 TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
     ZBTEST_SKIP_WHEN_SANITIZED();
     zbtest::TempFolder dir;
-    // Sparse files: they cost no disk, only what a reader makes of them.
-    const std::string image = dir.file("image.bin");
-    zbtest::writeBytes(image, "head");
-    ASSERT_EQ(truncate(image.c_str(), 48 << 20), 0);
-    const std::string pointers = dir.file("pointers.bin");
-    zbtest::writeBytes(pointers, "");
-    ASSERT_EQ(truncate(pointers.c_str(), 8 << 20), 0);
+    const std::string image = sparse(dir, "image.bin", "head", 48 << 20);
+    const std::string pointers = sparse(dir, "pointers.bin", "", 8 << 20);
     auto records = [&] {
         zbBase::CzbFileMgrB mgr;
         mgr.SetDataSize(4, 1);
@@ -426,14 +395,12 @@ TEST(DataFileFault, RecordAndBlockFilesThatDoNotFitInMemory) {
 
     // A block file of 1 GiB whose header claims a block for every 8 bytes behind it: the size
     // table does not fit, and the edit fails with the file as it was.
-    const std::string blocks = dir.file("blocks.bin");
     std::string header(152, '\0');
     const unsigned long long count = ((1ull << 30) - 152) / 8;
     for (int i = 0; i < 8; ++i) {
         header[16 + i] = static_cast<char>(count >> (8 * i));
     }
-    zbtest::writeBytes(blocks, header);
-    ASSERT_EQ(truncate(blocks.c_str(), 1ll << 30), 0);
+    const std::string blocks = sparse(dir, "blocks.bin", header, 1ll << 30);
     auto edit = [&] {
         zbBase::CzbFileMgrAdv mgr;
         return mgr.editFile(Text(blocks), 0, Text("x"), 1) ? 1 : 0;

@@ -24,32 +24,6 @@ int mixedSize(unsigned seed, int i) {
 
 } // namespace
 
-TEST(TextFault, CopyGrowingASlotKeepsTheSourcesResult) {
-    CzbText source;
-    char* held = source.getDate(); // slot 0, 64 bytes
-    const std::string date = held;
-    CzbText copy(source);
-    copy.m_current.store(-1);
-    char* grown = copy.getBufferNew(4096); // the copy's slot 0, far larger
-    std::memset(grown, 'c', 4095);
-    grown[4095] = '\0';
-    EXPECT_EQ(std::string(held), date); // the source's text is untouched and readable
-    EXPECT_EQ(copy.getBufferSize(0), 4096);
-    EXPECT_EQ(source.getBuffer(0), grown); // the slots stay shared
-    EXPECT_EQ(std::strlen(source.getBuffer(0)), 4095u);
-
-    // A ring lapping and growing the slot of a result held too long: the old block stays
-    // readable (its text is out of date, not freed).
-    CzbText ring;
-    char* old = ring.getFormat(text("%s"), "first");
-    for (int i = 0; i < 7; ++i) {
-        ring.getBufferNew(1);
-    }
-    char* bigger = ring.getBufferNew(2000);
-    std::memset(bigger, 'x', 1999);
-    EXPECT_STREQ(old, "first");
-}
-
 TEST(TextFault, CopyAndSourceOnTwoThreadsKeepTheirTexts) {
     const int rounds = 20000;
     auto source = std::make_unique<CzbText>();

@@ -19,6 +19,7 @@
 #if !defined(_WIN32)
 
 namespace fs = std::filesystem;
+using zbtest::Text;
 
 namespace {
 
@@ -29,7 +30,7 @@ std::string message(int i) {
 void queueMessages(CzbTrace& trace, int count) {
     trace.setMode(CzbTrace::ModeQueue);
     for (int i = 0; i < count; ++i) {
-        trace.setTrace(zbtest::Text("%s"), message(i).c_str());
+        trace.setTrace(Text("%s"), message(i).c_str());
     }
 }
 
@@ -39,14 +40,14 @@ TEST(TraceFault, FileModeNeverContinuesACutLine) {
     zbtest::TempFolder dir;
     const std::string name = dir.file("trace.txt");
     CzbTrace trace;
-    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text(name), true));
+    ASSERT_TRUE(trace.setTraceFileName(Text(name), true));
     {
         zbtest::FileSizeLimit limit(1000); // 16 whole lines and part of the 17th
         for (int i = 0; i < 30; ++i) {
-            trace.setTrace(zbtest::Text("%s"), message(i).c_str());
+            trace.setTrace(Text("%s"), message(i).c_str());
         }
     }
-    trace.setTrace(zbtest::Text("after"));
+    trace.setTrace(Text("after"));
     std::vector<std::string> lines = zbtest::readLines(name);
     ASSERT_EQ(lines.size(), 18u);
     for (int i = 0; i < 16; ++i) {
@@ -57,62 +58,54 @@ TEST(TraceFault, FileModeNeverContinuesACutLine) {
     EXPECT_EQ(lines[17], "after");
 }
 
-TEST(TraceFault, AppendedQueueKeepsWhatDidNotReachTheFile) {
+TEST(TraceFault, AQueueLeavesOnlyWhatReachedTheFile) {
     zbtest::TempFolder dir;
     const std::string name = dir.file("queue.txt");
-    zbtest::writeBytes(name, "old\n");
-    CzbTrace trace;
-    queueMessages(trace, 100);
-    {
-        zbtest::FileSizeLimit limit(2000);
-        trace.setWriteFile(zbtest::Text(name), true);
+    for (bool append : {true, false}) {
+        const std::string old = append ? "old\n" : std::string(3000, 'o') + "\n";
+        zbtest::writeBytes(name, old);
+        CzbTrace trace;
+        queueMessages(trace, 100);
+        {
+            zbtest::FileSizeLimit limit(2000);
+            trace.setWriteFile(Text(name), append);
+        }
+        if (!append) {
+            // A replaced file fails whole: the old file and the whole queue stay.
+            EXPECT_EQ(zbtest::readBytes(name), old);
+            EXPECT_EQ(trace.getTraceNum(), 100);
+            EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()),
+                      1);
+            fs::create_symlink("/dev/full", dir.file("full.txt"));
+            trace.setWriteFile(Text(dir.file("full.txt")), false);
+            trace.setWriteFile(Text(dir.file("full.txt")), true);
+            EXPECT_EQ(trace.getTraceNum(), 100);
+            EXPECT_EQ(trace.getTraceFront(), message(0));
+            trace.setWriteFile(Text(name), false);
+            EXPECT_EQ(trace.getTraceNum(), 0);
+            EXPECT_EQ(zbtest::readLines(name).size(), 100u);
+            continue;
+        }
+        // "old", the whole lines, and the cut one (without its line end yet).
+        std::vector<std::string> lines = zbtest::readLines(name);
+        ASSERT_GE(lines.size(), 2u);
+        const size_t whole = lines.size() - 2;
+        EXPECT_EQ(lines[0], "old");
+        for (size_t i = 0; i < whole; ++i) {
+            EXPECT_EQ(lines[i + 1], message(static_cast<int>(i)));
+        }
+        EXPECT_NE(lines.back().find("<unterminated>"), std::string::npos);
+        ASSERT_EQ(trace.getTraceNum(), static_cast<int>(100 - whole));
+        EXPECT_EQ(trace.getTraceFront(), message(static_cast<int>(whole)));
+        // Space is back: the rest follows, from a line of its own.
+        trace.setWriteFile(Text(name), true);
+        EXPECT_EQ(trace.getTraceNum(), 0);
+        lines = zbtest::readLines(name);
+        ASSERT_EQ(lines.size(), 1 + whole + 1 + (100 - whole));
+        for (int i = static_cast<int>(whole); i < 100; ++i) {
+            EXPECT_EQ(lines[2 + i], message(i));
+        }
     }
-    std::vector<std::string> lines = zbtest::readLines(name);
-    ASSERT_GE(lines.size(), 2u);
-    // "old", the whole lines, and the cut one (without its line end yet).
-    const size_t whole = lines.size() - 2;
-    EXPECT_EQ(lines[0], "old");
-    for (size_t i = 0; i < whole; ++i) {
-        EXPECT_EQ(lines[i + 1], message(static_cast<int>(i)));
-    }
-    EXPECT_NE(lines.back().find("<unterminated>"), std::string::npos);
-    ASSERT_EQ(trace.getTraceNum(), static_cast<int>(100 - whole));
-    EXPECT_EQ(trace.getTraceFront(), message(static_cast<int>(whole)));
-
-    // Space is back: the rest follows, from a line of its own.
-    trace.setWriteFile(zbtest::Text(name), true);
-    EXPECT_EQ(trace.getTraceNum(), 0);
-    lines = zbtest::readLines(name);
-    ASSERT_EQ(lines.size(), 1 + whole + 1 + (100 - whole));
-    for (int i = static_cast<int>(whole); i < 100; ++i) {
-        EXPECT_EQ(lines[2 + i], message(i));
-    }
-}
-
-TEST(TraceFault, ReplacingAFileFailsWholeAndKeepsTheOldFileAndTheQueue) {
-    zbtest::TempFolder dir;
-    const std::string name = dir.file("queue.txt");
-    const std::string old = std::string(3000, 'o') + "\n";
-    zbtest::writeBytes(name, old);
-    CzbTrace trace;
-    queueMessages(trace, 100);
-    {
-        zbtest::FileSizeLimit limit(2000);
-        trace.setWriteFile(zbtest::Text(name), false);
-    }
-    EXPECT_EQ(zbtest::readBytes(name), old);
-    EXPECT_EQ(trace.getTraceNum(), 100);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 1);
-
-    fs::create_symlink("/dev/full", dir.file("full.txt"));
-    trace.setWriteFile(zbtest::Text(dir.file("full.txt")), false);
-    trace.setWriteFile(zbtest::Text(dir.file("full.txt")), true);
-    EXPECT_EQ(trace.getTraceNum(), 100);
-    EXPECT_EQ(trace.getTraceFront(), message(0));
-
-    trace.setWriteFile(zbtest::Text(name), false);
-    EXPECT_EQ(trace.getTraceNum(), 0);
-    EXPECT_EQ(zbtest::readLines(name).size(), 100u);
 }
 
 TEST(TraceFault, ATextLongerThanARunLeavesTheQueueOnlyWhole) {
@@ -126,18 +119,18 @@ TEST(TraceFault, ATextLongerThanARunLeavesTheQueueOnlyWhole) {
     trace.m_queue.push_back(block); // queued by the host: far longer than one write of the queue
     {
         zbtest::FileSizeLimit limit(20000); // a later piece of the text is cut
-        trace.setWriteFile(zbtest::Text(name), true);
+        trace.setWriteFile(Text(name), true);
     }
     EXPECT_EQ(trace.getTraceNum(), 1);
     EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000));
     {
         // Room for a line end and the whole text, not for the line end behind it.
         zbtest::FileSizeLimit limit(20000 + 1 + 40000);
-        trace.setWriteFile(zbtest::Text(name), true);
+        trace.setWriteFile(Text(name), true);
     }
     EXPECT_EQ(trace.getTraceNum(), 1);
     EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000) + "\n" + huge);
-    trace.setWriteFile(zbtest::Text(name), true);
+    trace.setWriteFile(Text(name), true);
     EXPECT_EQ(trace.getTraceNum(), 0);
     EXPECT_EQ(zbtest::readBytes(name), huge.substr(0, 20000) + "\n" + huge + "\n" + huge + "\n");
 }
@@ -148,12 +141,11 @@ TEST(TraceFault, DevicesAreWrittenWhereTheyStand) {
     for (size_t first = 0; first < 512; ++first) {
         CzbTrace trace;
         trace.setMode(CzbTrace::ModeQueue);
-        trace.setTrace(zbtest::Text("%s"), std::string(first, 'f').c_str());
+        trace.setTrace(Text("%s"), std::string(first, 'f').c_str());
         for (int i = 0; i < 10; ++i) {
-            trace.setTrace(zbtest::Text("%s"),
-                           std::string(511, static_cast<char>('0' + i)).c_str());
+            trace.setTrace(Text("%s"), std::string(511, static_cast<char>('0' + i)).c_str());
         }
-        trace.setWriteFile(zbtest::Text("/dev/full"), false);
+        trace.setWriteFile(Text("/dev/full"), false);
         ASSERT_EQ(trace.getTraceNum(), 11) << first;
         ASSERT_EQ(strlen(trace.getTraceFront()), first);
     }
@@ -161,10 +153,10 @@ TEST(TraceFault, DevicesAreWrittenWhereTheyStand) {
 
     // The null device takes every line, and stays what it is.
     CzbTrace trace;
-    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text("/dev/null"), true));
-    trace.setTrace(zbtest::Text("to nowhere"));
+    ASSERT_TRUE(trace.setTraceFileName(Text("/dev/null"), true));
+    trace.setTrace(Text("to nowhere"));
     queueMessages(trace, 3);
-    trace.setWriteFile(zbtest::Text("/dev/null"), false);
+    trace.setWriteFile(Text("/dev/null"), false);
     EXPECT_EQ(trace.getTraceNum(), 0);
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
@@ -174,7 +166,7 @@ TEST(TraceFault, AMessageWithoutMemoryIsDroppedAndTheLockReleased) {
     int rc = zbtest::withAddressSpace(zbtest::addressSpace() + (32 << 20), [&] {
         CzbTrace trace;
         queueMessages(trace, 1);
-        zbtest::Text format("%s");
+        Text format("%s");
         const std::string dropped = message(1);
         {
             zbtest::MemoryHog hog;
@@ -184,7 +176,7 @@ TEST(TraceFault, AMessageWithoutMemoryIsDroppedAndTheLockReleased) {
             return 1;
         }
         // The lock is free again, for this thread and for any other.
-        std::thread other([&] { trace.setTrace(zbtest::Text("%s"), message(2).c_str()); });
+        std::thread other([&] { trace.setTrace(Text("%s"), message(2).c_str()); });
         other.join();
         char text[512];
         trace.getTracePop(text);
@@ -201,9 +193,9 @@ TEST(TraceFault, DescriptorsRunningOut) {
     const std::string name = dir.file("trace.txt");
     zbtest::writeBytes(name, "host text"); // ends inside a line
     CzbTrace trace;
-    ASSERT_TRUE(trace.setTraceFileName(zbtest::Text(name), false));
-    zbtest::Text other(dir.file("other.txt"));
-    zbtest::Text format("%s");
+    ASSERT_TRUE(trace.setTraceFileName(Text(name), false));
+    Text other(dir.file("other.txt"));
+    Text format("%s");
     {
         // No descriptor left: the message is lost, and no other file can be named.
         zbtest::DescriptorLimit limit(0);
