@@ -97,6 +97,7 @@ TEST(CzbSyncObject, ExclusionUnderSeveralThreads) {
         EXPECT_EQ(gate.GetReadCount(), 0);
         EXPECT_FALSE(gate.GetWriteState());
         EXPECT_GE(writes, tight ? 1 : 2 * 150); // waiting writers always get in
-        EXPECT_GT(reads, 0);
+        // Readers that never wait may all meet a writer on a loaded machine.
+        EXPECT_TRUE(tight || reads > 0);
     }
 }
