@@ -27,6 +27,24 @@ template <class T> void reserveWherePossible(std::vector<T>& list, size_t count)
     }
 }
 
+// Samples the spline writes in place between two lengthenings of the list.
+constexpr size_t kBatch = 512;
+
+// Lengthens the list to `size` with zeroed samples, growing its storage where needed and
+// memory allows, else only as far as its storage reaches. The new length.
+size_t lengthen(std::vector<CzbInterpolation::_Data>& list, size_t size) {
+    if (size > list.capacity()) {
+        try {
+            list.resize(size);
+            return size;
+        } catch (const std::bad_alloc&) {
+            size = list.capacity();
+        }
+    }
+    list.resize(size);
+    return size;
+}
+
 } // namespace
 
 CzbInterpolation::CzbInterpolation(const CzbInterpolation& other) {
@@ -135,20 +153,36 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
         const double dc = count;
         const size_t total = std::min(kMaxSamples, 1 + (n - 1) * static_cast<size_t>(count));
         reserveWherePossible(m_results, total);
-        for (size_t i = 0; i + 1 < n; ++i) {
+        // The list is lengthened a batch at a time and the samples are written in place; what
+        // is left over at the end is cut off again.
+        size_t made = 1;
+        for (size_t i = 0; i + 1 < n && made < total; ++i) {
+            int last = static_cast<int>(std::min(static_cast<size_t>(count), total - made));
+            bool stop = false;
+            if (m_results.size() - made < static_cast<size_t>(last)) {
+                const size_t want = made + std::max(static_cast<size_t>(last), kBatch);
+                const size_t room = lengthen(m_results, std::min(want, total)) - made;
+                if (room < static_cast<size_t>(last)) {
+                    last = static_cast<int>(room); // out of memory: the interval's first samples
+                    stop = true;
+                }
+            }
             const double hi = h[i + 1];
             const double x0 = p[i].x, y0 = p[i].y, y1 = p[i + 1].y;
             const double m0 = M[i] / 6, m1 = M[i + 1] / 6;
-            // Samples of this interval that still fit the ceiling.
-            const int last =
-                static_cast<int>(std::min(static_cast<size_t>(count), total - m_results.size()));
+            _Data* out = m_results.data() + made - 1;
             for (int j = 1; j <= last; ++j) {
                 const double t = j * hi / dc;
                 const double u = hi - t;
-                const double y = ((y1 - m1 * (hi + t) * u) * t + (y0 - m0 * (hi + u) * t) * u) / hi;
-                m_results.push_back({x0 + t, y});
+                out[j].x = x0 + t;
+                out[j].y = ((y1 - m1 * (hi + t) * u) * t + (y0 - m0 * (hi + u) * t) * u) / hi;
+            }
+            made += static_cast<size_t>(last);
+            if (stop) {
+                break;
             }
         }
+        m_results.resize(made);
     } catch (const std::bad_alloc&) {
         // Out of memory for the work arrays or the samples: what was made stays.
     }
