@@ -108,14 +108,22 @@ int CzbInterpolation::GetDataNum() {
 }
 
 void CzbInterpolation::solveTridiag(double* sub, double* diag, double* sup, double* b, int size) {
+    // Each step's diagonal and right-hand side stay in registers for the next step, so the
+    // chain of dependent operations does not pass through memory. The arrays are distinct.
+    double diagBefore = diag[1], bBefore = b[1];
     for (int i = 2; i <= size; ++i) {
-        sub[i] = sub[i] / diag[i - 1];
-        diag[i] = diag[i] - sub[i] * sup[i - 1];
-        b[i] = b[i] - sub[i] * b[i - 1];
+        const double factor = sub[i] / diagBefore;
+        sub[i] = factor;
+        diagBefore = diag[i] - factor * sup[i - 1];
+        diag[i] = diagBefore;
+        bBefore = b[i] - factor * bBefore;
+        b[i] = bBefore;
     }
-    b[size] = b[size] / diag[size];
+    double after = b[size] / diag[size];
+    b[size] = after;
     for (int i = size - 1; i >= 1; --i) {
-        b[i] = (b[i] - sup[i] * b[i + 1]) / diag[i];
+        after = (b[i] - sup[i] * after) / diag[i];
+        b[i] = after;
     }
 }
 
