@@ -6,6 +6,7 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -137,22 +138,36 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
         m_results.push_back(m_points[0]);
 
         const _Data* p = m_points.data();
-        std::vector<double> h(n, 0.0);
-        for (size_t i = 1; i < n; ++i) {
-            h[i] = p[i].x - p[i - 1].x;
-        }
-        std::vector<double> M(n, 0.0);
+        // One uninitialised block for the work arrays, each n long and indexed like the
+        // points: the intervals h, the second derivatives M, and for interior points the
+        // system's sub-, main and super-diagonal.
+        const size_t arrays = n >= 3 ? 5 : 2;
+        std::unique_ptr<double[]> work(new double[arrays * n]);
+        double* const h = work.get();
+        double* const M = h + n;
+        M[0] = 0.0;
         if (n >= 3) {
-            // The interior points 1 to n-2 keep their own indices in the system.
-            std::vector<double> sub(n - 1), diag(n - 1), sup(n - 1);
-            for (size_t i = 1; i + 1 < n; ++i) {
+            // Each quotient is formed once: h[i] / 6 is sub[i] and sup[i - 1], and the slope
+            // of interval i enters the right-hand sides of points i - 1 and i. The slopes go
+            // into M first and become the right-hand sides in place.
+            double* const sub = M + n;
+            double* const diag = sub + n;
+            double* const sup = diag + n;
+            for (size_t i = 1; i < n; ++i) {
+                h[i] = p[i].x - p[i - 1].x;
                 sub[i] = h[i] / 6;
-                diag[i] = (h[i] + h[i + 1]) / 3;
-                sup[i] = h[i + 1] / 6;
-                M[i] = (p[i + 1].y - p[i].y) / h[i + 1] - (p[i].y - p[i - 1].y) / h[i];
+                M[i] = (p[i].y - p[i - 1].y) / h[i];
             }
-            solveTridiag(sub.data(), diag.data(), sup.data(), M.data(), static_cast<int>(n - 2));
+            for (size_t i = 1; i + 1 < n; ++i) {
+                diag[i] = (h[i] + h[i + 1]) / 3;
+                sup[i] = sub[i + 1];
+                M[i] = M[i + 1] - M[i];
+            }
+            solveTridiag(sub, diag, sup, M, static_cast<int>(n - 2));
+        } else {
+            h[1] = p[1].x - p[0].x;
         }
+        M[n - 1] = 0.0;
 
         const int count = detail::truncToInt(steps);
         if (count < 1) {
