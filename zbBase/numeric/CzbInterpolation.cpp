@@ -179,6 +179,7 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
         // The list is lengthened a batch at a time and the samples are written in place; what
         // is left over at the end is cut off again.
         size_t made = 1;
+        double m0 = M[0] / 6; // the left point's M / 6: the right one of the interval before
         for (size_t i = 0; i + 1 < n && made < total; ++i) {
             int last = static_cast<int>(std::min(static_cast<size_t>(count), total - made));
             bool stop = false;
@@ -192,7 +193,7 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
             }
             const double hi = h[i + 1];
             const double x0 = p[i].x, y0 = p[i].y, y1 = p[i + 1].y;
-            const double m0 = M[i] / 6, m1 = M[i + 1] / 6;
+            const double m1 = M[i + 1] / 6;
             _Data* out = m_results.data() + made - 1;
             for (int j = 1; j <= last; ++j) {
                 const double t = j * hi / dc;
@@ -204,6 +205,7 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
             if (stop) {
                 break;
             }
+            m0 = m1;
         }
         m_results.resize(made);
     } catch (const std::bad_alloc&) {
