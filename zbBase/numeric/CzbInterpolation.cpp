@@ -6,8 +6,14 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <utility>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define ZB_SPLINE_SSE2 1
+#endif
 
 namespace zbBase {
 
@@ -25,6 +31,79 @@ template <class T> void reserveWherePossible(std::vector<T>& list, size_t count)
         list.reserve(count);
     } catch (const std::bad_alloc&) {
     }
+}
+
+// Samples the spline writes in place between two lengthenings of the list: 4 KiB, which the
+// zeroing brings into the first-level cache just before the samples overwrite it (measured
+// best among 64 to 2048).
+constexpr size_t kBatch = 256;
+
+// Lengthens the list to `size` with zeroed samples, growing its storage where needed and
+// memory allows, else only as far as its storage reaches. The new length.
+size_t lengthen(std::vector<CzbInterpolation::_Data>& list, size_t size) {
+    if (size > list.capacity()) {
+        try {
+            list.resize(size);
+            return size;
+        } catch (const std::bad_alloc&) {
+            size = list.capacity();
+        }
+    }
+    list.resize(size);
+    return size;
+}
+
+// One interval of the spline: with h its width, x0 and y0 its left point, y1 its right
+// ordinate and m0, m1 the second derivatives at its ends divided by 6, the samples j = 1 to
+// last of `steps` go to out[0] to out[last - 1]:
+//   t = j h / steps, u = h - t, x = x0 + t,
+//   y = ((y1 - m1 (h + t) u) t + (y0 - m0 (h + u) t) u) / h.
+// The products take their factors in the order the library has always multiplied them: for
+// numbers the order changes nothing, and where both factors are NaN it decides which comes
+// through. With SSE2 two samples go through each instruction; an odd last sample is worked
+// twice, so no operation runs on values that no sample has.
+void sampleInterval(CzbInterpolation::_Data* out, int last, double steps, double h, double x0,
+                    double y0, double y1, double m0, double m1) {
+#if defined(ZB_SPLINE_SSE2)
+    const __m128d vh = _mm_set1_pd(h), vsteps = _mm_set1_pd(steps), vx0 = _mm_set1_pd(x0);
+    const __m128d vy0 = _mm_set1_pd(y0), vy1 = _mm_set1_pd(y1);
+    const __m128d vm0 = _mm_set1_pd(m0), vm1 = _mm_set1_pd(m1);
+    // The two samples j (low lane) and j + 1 (high lane), as x in the low half of each
+    // result and y in the high half.
+    auto pair = [&](__m128i j, __m128d* low, __m128d* high) {
+        const __m128d t = _mm_div_pd(_mm_mul_pd(_mm_cvtepi32_pd(j), vh), vsteps);
+        const __m128d u = _mm_sub_pd(vh, t);
+        const __m128d right =
+            _mm_mul_pd(_mm_sub_pd(vy1, _mm_mul_pd(_mm_mul_pd(_mm_add_pd(vh, t), vm1), u)), t);
+        const __m128d left =
+            _mm_mul_pd(_mm_sub_pd(vy0, _mm_mul_pd(t, _mm_mul_pd(_mm_add_pd(vh, u), vm0))), u);
+        const __m128d y = _mm_div_pd(_mm_add_pd(right, left), vh);
+        const __m128d x = _mm_add_pd(vx0, t);
+        *low = _mm_unpacklo_pd(x, y);
+        *high = _mm_unpackhi_pd(x, y);
+    };
+    __m128i j = _mm_set_epi32(0, 0, 2, 1);
+    const __m128i two = _mm_set1_epi32(2);
+    __m128d low, high;
+    int k = 0;
+    for (; k + 1 < last; k += 2) {
+        pair(j, &low, &high);
+        _mm_storeu_pd(&out[k].x, low);
+        _mm_storeu_pd(&out[k + 1].x, high);
+        j = _mm_add_epi32(j, two);
+    }
+    if (k < last) {
+        pair(_mm_shuffle_epi32(j, 0), &low, &high);
+        _mm_storeu_pd(&out[k].x, low);
+    }
+#else
+    for (int k = 0; k < last; ++k) {
+        const double t = (k + 1) * h / steps;
+        const double u = h - t;
+        out[k].x = x0 + t;
+        out[k].y = ((y1 - (h + t) * m1 * u) * t + (y0 - t * ((h + u) * m0)) * u) / h;
+    }
+#endif
 }
 
 } // namespace
@@ -90,14 +169,22 @@ int CzbInterpolation::GetDataNum() {
 }
 
 void CzbInterpolation::solveTridiag(double* sub, double* diag, double* sup, double* b, int size) {
+    // Each step's diagonal and right-hand side stay in registers for the next step, so the
+    // chain of dependent operations does not pass through memory. The arrays are distinct.
+    double diagBefore = diag[1], bBefore = b[1];
     for (int i = 2; i <= size; ++i) {
-        sub[i] = sub[i] / diag[i - 1];
-        diag[i] = diag[i] - sub[i] * sup[i - 1];
-        b[i] = b[i] - sub[i] * b[i - 1];
+        const double factor = sub[i] / diagBefore;
+        sub[i] = factor;
+        diagBefore = diag[i] - factor * sup[i - 1];
+        diag[i] = diagBefore;
+        bBefore = b[i] - factor * bBefore;
+        b[i] = bBefore;
     }
-    b[size] = b[size] / diag[size];
+    double after = b[size] / diag[size];
+    b[size] = after;
     for (int i = size - 1; i >= 1; --i) {
-        b[i] = (b[i] - sup[i] * b[i + 1]) / diag[i];
+        after = (b[i] - sup[i] * after) / diag[i];
+        b[i] = after;
     }
 }
 
@@ -111,22 +198,36 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
         m_results.push_back(m_points[0]);
 
         const _Data* p = m_points.data();
-        std::vector<double> h(n, 0.0);
-        for (size_t i = 1; i < n; ++i) {
-            h[i] = p[i].x - p[i - 1].x;
-        }
-        std::vector<double> M(n, 0.0);
+        // One uninitialised block for the work arrays, each n long and indexed like the
+        // points: the intervals h, the second derivatives M, and for interior points the
+        // system's sub-, main and super-diagonal.
+        const size_t arrays = n >= 3 ? 5 : 2;
+        std::unique_ptr<double[]> work(new double[arrays * n]);
+        double* const h = work.get();
+        double* const M = h + n;
+        M[0] = 0.0;
         if (n >= 3) {
-            // The interior points 1 to n-2 keep their own indices in the system.
-            std::vector<double> sub(n - 1), diag(n - 1), sup(n - 1);
-            for (size_t i = 1; i + 1 < n; ++i) {
+            // Each quotient is formed once: h[i] / 6 is sub[i] and sup[i - 1], and the slope
+            // of interval i enters the right-hand sides of points i - 1 and i. The slopes go
+            // into M first and become the right-hand sides in place.
+            double* const sub = M + n;
+            double* const diag = sub + n;
+            double* const sup = diag + n;
+            for (size_t i = 1; i < n; ++i) {
+                h[i] = p[i].x - p[i - 1].x;
                 sub[i] = h[i] / 6;
-                diag[i] = (h[i] + h[i + 1]) / 3;
-                sup[i] = h[i + 1] / 6;
-                M[i] = (p[i + 1].y - p[i].y) / h[i + 1] - (p[i].y - p[i - 1].y) / h[i];
+                M[i] = (p[i].y - p[i - 1].y) / h[i];
             }
-            solveTridiag(sub.data(), diag.data(), sup.data(), M.data(), static_cast<int>(n - 2));
+            for (size_t i = 1; i + 1 < n; ++i) {
+                diag[i] = (h[i] + h[i + 1]) / 3;
+                sup[i] = sub[i + 1];
+                M[i] = M[i + 1] - M[i];
+            }
+            solveTridiag(sub, diag, sup, M, static_cast<int>(n - 2));
+        } else {
+            h[1] = p[1].x - p[0].x;
         }
+        M[n - 1] = 0.0;
 
         const int count = detail::truncToInt(steps);
         if (count < 1) {
@@ -135,20 +236,31 @@ void CzbInterpolation::CaculationCubicSpline(double steps) {
         const double dc = count;
         const size_t total = std::min(kMaxSamples, 1 + (n - 1) * static_cast<size_t>(count));
         reserveWherePossible(m_results, total);
-        for (size_t i = 0; i + 1 < n; ++i) {
-            const double hi = h[i + 1];
-            const double x0 = p[i].x, y0 = p[i].y, y1 = p[i + 1].y;
-            const double m0 = M[i] / 6, m1 = M[i + 1] / 6;
-            // Samples of this interval that still fit the ceiling.
-            const int last =
-                static_cast<int>(std::min(static_cast<size_t>(count), total - m_results.size()));
-            for (int j = 1; j <= last; ++j) {
-                const double t = j * hi / dc;
-                const double u = hi - t;
-                const double y = ((y1 - m1 * (hi + t) * u) * t + (y0 - m0 * (hi + u) * t) * u) / hi;
-                m_results.push_back({x0 + t, y});
+        // The list is lengthened a batch at a time and the samples are written in place; what
+        // is left over at the end is cut off again.
+        size_t made = 1;
+        double m0 = M[0] / 6; // the left point's M / 6: the right one of the interval before
+        for (size_t i = 0; i + 1 < n && made < total; ++i) {
+            int last = static_cast<int>(std::min(static_cast<size_t>(count), total - made));
+            bool stop = false;
+            if (m_results.size() - made < static_cast<size_t>(last)) {
+                const size_t want = made + std::max(static_cast<size_t>(last), kBatch);
+                const size_t room = lengthen(m_results, std::min(want, total)) - made;
+                if (room < static_cast<size_t>(last)) {
+                    last = static_cast<int>(room); // out of memory: the interval's first samples
+                    stop = true;
+                }
             }
+            const double m1 = M[i + 1] / 6;
+            sampleInterval(m_results.data() + made, last, dc, h[i + 1], p[i].x, p[i].y, p[i + 1].y,
+                           m0, m1);
+            made += static_cast<size_t>(last);
+            if (stop) {
+                break;
+            }
+            m0 = m1;
         }
+        m_results.resize(made);
     } catch (const std::bad_alloc&) {
         // Out of memory for the work arrays or the samples: what was made stays.
     }
