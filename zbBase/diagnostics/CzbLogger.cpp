@@ -1,5 +1,6 @@
 #include "zbBase/diagnostics/CzbLogger.h"
 #include "zbBase/diagnostics/detail/CzbLoggerLine.h"
+#include "zbBase/diagnostics/detail/CzbLoggerMessage.h"
 #include "zbBase/diagnostics/detail/CzbLoggerShared.h"
 #include "zbBase/diagnostics/detail/zbFormat.h"
 
@@ -29,6 +30,13 @@ void copyCut(char* dst, size_t bytes, const char* text) {
     size_t n = strnlen(text, bytes - 1);
     memcpy(dst, text, n);
     dst[n] = '\0';
+}
+
+// The slot after `index` in a ring of `size`: (index + 1) modulo size, without a division for
+// an index in the ring.
+inline int nextSlot(int index, int size) {
+    int slot = index + 1;
+    return slot >= 0 && slot < size ? slot : slot % size;
 }
 
 using zbBase::detail::LoggerShared;
@@ -162,11 +170,18 @@ void CzbLogger::setWriteFileMode2(char* folder, char* prefix, int period) {
 
 void CzbLogger::setLog(char* format, ...) {
     char message[kMessageBytes];
+    size_t length = 0;
     va_list args;
     va_start(args, format);
-    zbBase::detail::formatBounded(message, sizeof message, format, args);
+    bool done =
+        zbBase::detail::LogMessageFormatter::format(message, sizeof message, format, args, &length);
     va_end(args);
-    size_t length = strnlen(message, sizeof message - 1);
+    if (!done) {
+        va_start(args, format);
+        zbBase::detail::formatBounded(message, sizeof message, format, args);
+        va_end(args);
+        length = strnlen(message, sizeof message - 1);
+    }
     if (length > static_cast<size_t>(m_stringLen - 1)) {
         length = static_cast<size_t>(m_stringLen - 1);
     }
@@ -176,7 +191,7 @@ void CzbLogger::setLog(char* format, ...) {
     bool wakeSaver;
     {
         zbp::CriticalSectionGuard guard(&m_lock);
-        int slot = (m_writeIndex.load(std::memory_order_relaxed) + 1) % m_bufferSize;
+        int slot = nextSlot(m_writeIndex.load(std::memory_order_relaxed), m_bufferSize);
         _LoggerData& record = m_logData[slot];
         int number = m_logCount.load(std::memory_order_relaxed);
         record.number = number;

@@ -1,4 +1,5 @@
 #include "zbBase/diagnostics/detail/CzbLoggerLine.h"
+#include "zbBase/diagnostics/detail/zbDecimalPairs.h"
 
 #include <stdio.h>
 #include <string.h>
@@ -8,20 +9,9 @@ namespace detail {
 
 namespace {
 
-const char kPairs[] = "00010203040506070809"
-                      "10111213141516171819"
-                      "20212223242526272829"
-                      "30313233343536373839"
-                      "40414243444546474849"
-                      "50515253545556575859"
-                      "60616263646566676869"
-                      "70717273747576777879"
-                      "80818283848586878889"
-                      "90919293949596979899";
-
 // Two digits of v (0 to 99).
 inline void put2(char* out, unsigned v) {
-    memcpy(out, kPairs + 2 * v, 2);
+    memcpy(out, kDecimalPairs + 2 * v, 2);
 }
 
 } // namespace

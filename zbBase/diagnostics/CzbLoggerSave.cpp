@@ -46,6 +46,25 @@ void appendOpenFailMark(char* text, int bytes) {
     memcpy(text + length, kOpenFailMark, markLength + 1);
 }
 
+// Starts fetching the records of the next chunk, those after slot `last`, with their texts,
+// before the lock is taken: the writers have just filled them on other cores, and the lock is
+// then held for the copy alone rather than for the transfers as well. (The text pointers of a
+// ring never change while its saver runs.)
+void prefetchChunk(const CzbLogger& logger, int last) {
+#if defined(__GNUC__)
+    const int write = logger.m_writeIndex.load(std::memory_order_acquire);
+    int slot = last;
+    for (int k = 0; k < kChunkRecords && slot != write; ++k) {
+        slot = slot >= 0 && slot + 1 < logger.m_bufferSize ? slot + 1 : 0;
+        __builtin_prefetch(&logger.m_logData[slot]);
+        __builtin_prefetch(logger.m_logData[slot].text);
+    }
+#else
+    (void)logger;
+    (void)last;
+#endif
+}
+
 bool sameDay(const zbBase::zbSystemTime& a, const zbBase::zbSystemTime& b) {
     return a.wYear == b.wYear && a.wMonth == b.wMonth && a.wDay == b.wDay;
 }
@@ -167,6 +186,7 @@ void CzbLogger::funcLogFileSave() {
         bool reset = false;
         bool more = true;
         while (more) {
+            prefetchChunk(*this, last);
             zbp::CriticalSectionGuard guard(&m_lock);
             if (m_saveIndex.load(std::memory_order_relaxed) != save) {
                 reset = true;
