@@ -1,5 +1,6 @@
 #include "zbBase/diagnostics/CzbLogger.h"
 
+#include "support/zbLoggerSaver.h"
 #include "support/zbTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -54,26 +55,12 @@ std::vector<std::string> linesIn(const std::filesystem::path& folder) {
     return lines;
 }
 
-// Waits, without a reset, until the saver has handled every stored record.
-void waitForSaver(CzbLogger& logger) {
-    while (logger.m_saveIndex.load() != logger.m_writeIndex.load()) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-}
-
 // A subclass that also runs save passes from threads of its own; it stops the saver before
 // its own part is destroyed.
 class PassingLogger : public CzbLogger {
 public:
     PassingLogger(int records, int bytes) : CzbLogger(records, bytes) {}
-    ~PassingLogger() override {
-        int running = 1;
-        if (m_threadState.compare_exchange_strong(running, 2)) {
-            while (m_threadState.load() != 0) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        }
-    }
+    ~PassingLogger() override { zbtest::stopSaver(*this); }
     void savePass() { funcLogFileSave(); }
 };
 const std::regex kLine("^(\\d{8})   \\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}   "
@@ -209,7 +196,7 @@ TEST(CzbLogger, UnopenableFileMarksTheRecord) {
         for (int i = 0; i < 2 && c.texts[i] != nullptr; ++i) {
             logger.setLog(Text(c.texts[i]));
         }
-        waitForSaver(logger);
+        ASSERT_TRUE(zbtest::waitSaved(logger));
         for (int i = 0; i < 2 && c.texts[i] != nullptr; ++i) {
             EXPECT_STREQ(logger.GetLogData(i)->text, c.marked[i]);
         }
@@ -220,7 +207,7 @@ TEST(CzbLogger, UnopenableFileMarksTheRecord) {
     CzbLogger longName(4, 64);
     longName.setWriteFileMode(Text(longPrefix), 1);
     longName.setLog(Text("long"));
-    waitForSaver(longName);
+    ASSERT_TRUE(zbtest::waitSaved(longName));
     EXPECT_STREQ(longName.GetLogData(0)->text, "long(File Open Fail)");
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
@@ -394,7 +381,7 @@ TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
         CzbLogger logger(100, 64);
         logger.setLog(Text("first"));
         logger.setWriteFileMode(Text(folder.file("Wake")), 600000);
-        waitForSaver(logger);
+        ASSERT_TRUE(zbtest::waitSaved(logger));
         std::this_thread::sleep_for(std::chrono::milliseconds(200)); // the first pass ends
         for (int i = 1; i < 50; ++i) {
             logger.setLog(Text("early %d"), i);
@@ -402,7 +389,7 @@ TEST(CzbLogger, SaverWakesForAHalfFullRingAndForAWaitingReset) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_EQ(logger.m_saveIndex.load(), 0); // less than half waits: no pass yet
         logger.setLog(Text("half"));
-        waitForSaver(logger);
+        ASSERT_TRUE(zbtest::waitSaved(logger));
         logger.setLog(Text("one more"));
         logger.resetLogCount(1);
         EXPECT_EQ(linesIn(folder.path()).size(), 52u);

@@ -5,6 +5,7 @@
 #include <zbBase/platform/detail/zbpThread.h>
 
 #include "support/zbFaults.h"
+#include "support/zbLoggerSaver.h"
 #include "support/zbMemoryLimit.h"
 #include "support/zbTestFiles.h"
 
@@ -27,6 +28,7 @@
 
 namespace fs = std::filesystem;
 using zbtest::Text;
+using zbtest::waitSaved;
 
 namespace {
 
@@ -98,26 +100,11 @@ class TaggedLogger : public CzbLogger {
 public:
     TaggedLogger(int records, int bytes) : CzbLogger(records, bytes) {}
     // The saver calls this class's operation: it stops before this part is destroyed.
-    ~TaggedLogger() override {
-        int running = 1;
-        if (m_threadState.compare_exchange_strong(running, 2)) {
-            while (m_threadState.load() != 0) {
-                usleep(1000);
-            }
-        }
-    }
+    ~TaggedLogger() override { zbtest::stopSaver(*this); }
     void setLogDataToFile(FILE* file, _LoggerData* data) override {
         fprintf(file, "tag %d %s\n", data->number, data->text);
     }
 };
-
-// Waits, without a reset, until the saver has had its pass over every stored record.
-bool waitSaved(CzbLogger& logger) {
-    for (int i = 0; i < 20000 && logger.m_saveIndex.load() != logger.m_writeIndex.load(); ++i) {
-        usleep(1000);
-    }
-    return logger.m_saveIndex.load() == logger.m_writeIndex.load();
-}
 
 std::vector<std::string> dayStamps() {
     std::vector<std::string> days;

@@ -61,27 +61,27 @@ TEST(CzbLoggerMessage, WholeNumbersTextsAndCharactersAsTheRuntimeWritesThem) {
     for (const char* flag : flags) {
         for (const char* width : widths) {
             for (const char* precision : precisions) {
-                const std::string spec = std::string("<%") + flag + width + precision;
+                const std::string head = std::string("<%") + flag + width + precision;
                 for (const char* conversion : {"d", "i", "u", "x", "X"}) {
                     for (long long n : numbers) {
-                        std::string f = spec + conversion + ">";
+                        std::string f = head + conversion + ">";
                         EXPECT_AS_RUNTIME(64, f.c_str(), static_cast<int>(n));
-                        f = spec + "h" + conversion + ">";
+                        f = head + "h" + conversion + ">";
                         EXPECT_AS_RUNTIME(64, f.c_str(), static_cast<int>(n));
-                        f = spec + "l" + conversion + ">";
+                        f = head + "l" + conversion + ">";
                         EXPECT_AS_RUNTIME(64, f.c_str(), static_cast<long>(n));
-                        f = spec + "ll" + conversion + ">";
+                        f = head + "ll" + conversion + ">";
                         EXPECT_AS_RUNTIME(64, f.c_str(), n);
                         checked += 4;
                     }
                 }
                 if (std::strchr(flag, '0') == nullptr) {
-                    const std::string s = spec + "s>";
+                    const std::string s = head + "s>";
                     for (const char* text : texts) {
                         EXPECT_AS_RUNTIME(64, s.c_str(), text);
                     }
                     if (precision[0] == '\0') {
-                        const std::string c = spec + "c>";
+                        const std::string c = head + "c>";
                         for (char ch : {'a', '%', ' ', '\x7f', '\xe9'}) {
                             EXPECT_AS_RUNTIME(64, c.c_str(), ch);
                         }
@@ -115,7 +115,7 @@ TEST(CzbLoggerMessage, CutAtEverySizeLikeTheRuntime) {
     // Random formats of literal text, numbers and texts of every shape.
     std::mt19937 random(12345);
     auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    auto spec = [&](bool zeros) {
+    auto directive = [&](bool zeros) {
         std::string s = "%";
         const char* flags[] = {"", "-", "0", "0-"};
         s += flags[pick(zeros ? 4 : 2)];
@@ -131,8 +131,8 @@ TEST(CzbLoggerMessage, CutAtEverySizeLikeTheRuntime) {
     for (int i = 0; i < 5000; ++i) {
         const char* sizes[] = {"", "h", "l", "ll"};
         const char* conversions[] = {"d", "i", "u", "x", "X"};
-        const std::string number = spec(true) + sizes[pick(4)] + conversions[pick(5)];
-        const std::string text = spec(false) + "s";
+        const std::string number = directive(true) + sizes[pick(4)] + conversions[pick(5)];
+        const std::string text = directive(false) + "s";
         const std::string format =
             std::string(literals[pick(6)]) + number + literals[pick(6)] + text + literals[pick(6)];
         const unsigned long long bits = static_cast<unsigned long long>(random()) << pick(33);
